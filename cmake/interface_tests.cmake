@@ -1,0 +1,87 @@
+# Tests of what a host sees: headers that compile alone, C programs and examples over the shared library,
+# the tool's command line, the exported names; and of the project's inner layering.
+
+find_program(VOK_PYTHON python3 REQUIRED)
+
+# The words before a program that runs it here: Wine for Windows programs, nothing otherwise.
+set(vok_emulator ${CMAKE_CROSSCOMPILING_EMULATOR})
+
+# --- every public header compiles alone, the C ones also as C -------------------------------------
+set(header_check_sources)
+foreach(header IN LISTS vok_public_headers)
+  string(MAKE_C_IDENTIFIER ${header} name)
+  set(languages cpp)
+  if(header IN_LIST vok_public_c_headers)
+    list(APPEND languages c)
+  endif()
+  foreach(language IN LISTS languages)
+    set(source ${PROJECT_BINARY_DIR}/header_check/${name}.${language})
+    # The declaration keeps the file from being empty, which C does not allow.
+    file(CONFIGURE OUTPUT ${source} @ONLY
+      CONTENT "#include \"@header@\"\n\nextern int compiled_alone_@name@;\n")
+    list(APPEND header_check_sources ${source})
+  endforeach()
+endforeach()
+add_library(vok_header_check OBJECT ${header_check_sources})
+target_include_directories(vok_header_check PRIVATE ${vok_public_include})
+vok_options(vok_header_check)
+
+# --- C programs over the C interface --------------------------------------------------------------
+file(GLOB capi_programs CONFIGURE_DEPENDS tests/capi/*.c)
+foreach(source IN LISTS capi_programs)
+  cmake_path(GET source STEM name)
+  add_executable(${name} ${source})
+  target_link_libraries(${name} PRIVATE vok_table_rw_vc)
+  vok_options(${name})
+  add_test(NAME capi.${name} COMMAND ${name} ${PROJECT_SOURCE_DIR}/examples)
+endforeach()
+
+# --- the examples print what the file beside them says --------------------------------------------
+file(GLOB example_programs CONFIGURE_DEPENDS examples/*.cpp examples/*.c)
+foreach(source IN LISTS example_programs)
+  cmake_path(GET source STEM name)
+  add_executable(example_${name} ${source})
+  target_link_libraries(example_${name} PRIVATE vok_table_rw_vc)
+  vok_options(example_${name})
+  set(folder ${PROJECT_BINARY_DIR}/example_runs/${name})
+  file(MAKE_DIRECTORY ${folder})
+  add_test(NAME example.${name}
+    COMMAND ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/cmake/compare_output.py
+      ${PROJECT_SOURCE_DIR}/examples/${name}.expected
+      ${vok_emulator} $<TARGET_FILE:example_${name}> ${PROJECT_SOURCE_DIR}/examples
+    WORKING_DIRECTORY ${folder})
+endforeach()
+
+# --- the tool's command line ----------------------------------------------------------------------
+# The scripts get the tool as one command line in shell syntax; a path with a blank needs its quotes.
+set(tool_command $<TARGET_FILE:vok_table>)
+if(PROJECT_BINARY_DIR MATCHES " ")
+  set(tool_command "'${tool_command}'")
+endif()
+list(JOIN vok_emulator " " tool_prefix)
+if(tool_prefix)
+  set(tool_command "${tool_prefix} ${tool_command}")
+endif()
+file(GLOB tool_tests CONFIGURE_DEPENDS tests/tool/*.py)
+foreach(script IN LISTS tool_tests)
+  cmake_path(GET script STEM name)
+  add_test(NAME tool.${name}
+    COMMAND ${VOK_PYTHON} ${script} --tool "${tool_command}" --source ${PROJECT_SOURCE_DIR})
+endforeach()
+
+# --- the exported names, and what the library needs of the system ---------------------------------
+if(VOK_SUITE STREQUAL "own")
+  add_test(NAME interface.exports
+    COMMAND ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/interface/check_exports.py
+      --nm ${CMAKE_NM} --objdump ${CMAKE_OBJDUMP} $<TARGET_FILE:vok_table_rw_vc>)
+endif()
+
+# --- what one target shows for both: a host without a C compiler, and the layering -----------------
+if(NOT WIN32)
+  add_test(NAME interface.use_from_python
+    COMMAND ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/interface/use_from_python.py
+      $<TARGET_FILE:vok_table_rw_vc>)
+  set(check_layers ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/interface/check_layers.py)
+  add_test(NAME interface.layers COMMAND ${check_layers} ${PROJECT_SOURCE_DIR})
+  add_test(NAME interface.layers_self_test COMMAND ${check_layers} --self-test)
+endif()

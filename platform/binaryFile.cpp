@@ -1,0 +1,21 @@
+// The part of an open file that is the same on both targets: whoever owns it closes it.
+#include "platform/files.h"
+
+#include <utility>
+
+namespace platform {
+
+binaryFile::binaryFile(binaryFile&& other) noexcept
+    : handle_(std::exchange(other.handle_, closedHandle)) {}
+
+binaryFile& binaryFile::operator=(binaryFile&& other) noexcept {
+  if (this != &other) {
+    close();
+    handle_ = std::exchange(other.handle_, closedHandle);
+  }
+  return *this;
+}
+
+binaryFile::~binaryFile() { close(); }
+
+}  // namespace platform

@@ -1,0 +1,79 @@
+// Files and folders of the operating system, by wide path.
+//
+// Paths: on Windows they go to the system as they are. On POSIX both `/` and `\` separate (a `\`
+// becomes a `/` before the kernel sees it) and the path is encoded as UTF-8; a lone surrogate from
+// U+DC80 to U+DCFF stands for the raw byte 80 to FF, so that names which are no UTF-8 stay
+// reachable (console.h makes such paths from a command line). A path ends at its first NUL
+// character, as it does for every system call.
+//
+// Errors are false results; nothing throws but allocation failure. The functions keep no state and
+// may be called from any thread; one binaryFile belongs to one thread at a time.
+#ifndef VOK_PLATFORM_FILES_H
+#define VOK_PLATFORM_FILES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace platform {
+
+/// True when the system can tell the attributes of a file or a folder at this path.
+bool fileExists(const std::wstring& path);
+
+/// True when the path names a folder.
+bool folderExists(const std::wstring& path);
+
+/// Deletes one file. @return false when it does not exist, is a folder or cannot be deleted
+bool removeFile(const std::wstring& path);
+
+/// Moves a file within one volume; a file already at the target is replaced in one step.
+bool replaceFile(const std::wstring& from, const std::wstring& to);
+
+/// Creates one folder level. @return false when it already exists or its parent is missing
+bool createFolder(const std::wstring& path);
+
+/// Deletes one empty folder.
+bool removeFolder(const std::wstring& path);
+
+/// An open file as a sequence of bytes, closed with its owner.
+class binaryFile {
+ public:
+  binaryFile() = default;
+  binaryFile(binaryFile&& other) noexcept;
+  binaryFile& operator=(binaryFile&& other) noexcept;
+  binaryFile(const binaryFile&) = delete;
+  binaryFile& operator=(const binaryFile&) = delete;
+  ~binaryFile();
+
+  /// Opens an existing file for reading; a file already open here is closed first. On Windows
+  /// others may read it meanwhile but not write.
+  /// @return false when it is missing, is a folder or may not be read
+  bool openForReading(const std::wstring& path);
+
+  /// Creates a file, or empties the one that is there, and opens it for writing; a file already
+  /// open here is closed first. On Windows nobody else can open it meanwhile.
+  bool openForWriting(const std::wstring& path);
+
+  bool isOpen() const { return handle_ != closedHandle; }
+
+  /// Reads up to `size` bytes, fewer only at the end of the file.
+  /// @return the number of bytes read; 0 at the end, after a read error and for a file not open
+  std::size_t read(void* buffer, std::size_t size);
+
+  /// Writes all bytes. @return false when any of them could not be written or the file is not open
+  bool write(const void* bytes, std::size_t size);
+
+  /// The file's size in bytes; 0 for what has none (a pipe) and for a file that is not open.
+  std::uint64_t size() const;
+
+  /// Closes the file. @return false when the system reports that written bytes were lost
+  bool close();
+
+ private:
+  static constexpr std::intptr_t closedHandle = -1;
+  std::intptr_t handle_ = closedHandle;  // a file descriptor, or a HANDLE, never both
+};
+
+}  // namespace platform
+
+#endif

@@ -1,0 +1,112 @@
+#include "platform/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include "platform/posix/nativePath.h"
+
+namespace platform {
+namespace {
+
+// The kernel moves at most 2 GiB - 4 KiB in one call whatever is asked for, and some file systems
+// refuse to be asked for more.
+constexpr std::size_t largestTransfer = std::size_t{1} << 30;
+
+int openFile(const std::wstring& path, int flags) {
+  const std::string name = nativePath(path);
+  int descriptor = -1;
+  do {
+    descriptor = ::open(name.c_str(), flags | O_CLOEXEC | O_NOCTTY, 0666);
+  } while (descriptor < 0 && errno == EINTR);
+  return descriptor;
+}
+
+}  // namespace
+
+bool fileExists(const std::wstring& path) {
+  struct stat attributes;
+  return ::stat(nativePath(path).c_str(), &attributes) == 0;
+}
+
+bool folderExists(const std::wstring& path) {
+  struct stat attributes;
+  return ::stat(nativePath(path).c_str(), &attributes) == 0 && S_ISDIR(attributes.st_mode);
+}
+
+bool removeFile(const std::wstring& path) { return ::unlink(nativePath(path).c_str()) == 0; }
+
+bool replaceFile(const std::wstring& from, const std::wstring& to) {
+  return std::rename(nativePath(from).c_str(), nativePath(to).c_str()) == 0;
+}
+
+bool createFolder(const std::wstring& path) { return ::mkdir(nativePath(path).c_str(), 0777) == 0; }
+
+bool removeFolder(const std::wstring& path) { return ::rmdir(nativePath(path).c_str()) == 0; }
+
+bool binaryFile::openForReading(const std::wstring& path) {
+  close();
+  handle_ = openFile(path, O_RDONLY);
+  struct stat attributes;
+  // The kernel lets a folder be opened and refuses only to read it.
+  if (isOpen() &&
+      (::fstat(static_cast<int>(handle_), &attributes) != 0 || S_ISDIR(attributes.st_mode)))
+    close();
+  return isOpen();
+}
+
+bool binaryFile::openForWriting(const std::wstring& path) {
+  close();
+  handle_ = openFile(path, O_WRONLY | O_CREAT | O_TRUNC);
+  return isOpen();
+}
+
+std::size_t binaryFile::read(void* buffer, std::size_t size) {
+  if (!isOpen()) return 0;
+  std::size_t done = 0;
+  while (done < size) {
+    const ssize_t count = ::read(static_cast<int>(handle_), static_cast<char*>(buffer) + done,
+                                 std::min(size - done, largestTransfer));
+    if (count > 0)
+      done += static_cast<std::size_t>(count);
+    else if (count == 0 || errno != EINTR)
+      break;
+  }
+  return done;
+}
+
+bool binaryFile::write(const void* bytes, std::size_t size) {
+  if (!isOpen()) return false;
+  std::size_t done = 0;
+  while (done < size) {
+    const ssize_t count = ::write(static_cast<int>(handle_), static_cast<const char*>(bytes) + done,
+                                  std::min(size - done, largestTransfer));
+    if (count > 0)
+      done += static_cast<std::size_t>(count);
+    else if (count == 0 || errno != EINTR)
+      return false;
+  }
+  return true;
+}
+
+std::uint64_t binaryFile::size() const {
+  struct stat attributes;
+  if (!isOpen() || ::fstat(static_cast<int>(handle_), &attributes) != 0 ||
+      !S_ISREG(attributes.st_mode))
+    return 0;
+  return static_cast<std::uint64_t>(attributes.st_size);
+}
+
+bool binaryFile::close() {
+  if (!isOpen()) return true;
+  const int descriptor = static_cast<int>(std::exchange(handle_, closedHandle));
+  // WHY: never again after EINTR: the descriptor is gone and may be another thread's by now.
+  return ::close(descriptor) == 0 || errno == EINTR;
+}
+
+}  // namespace platform

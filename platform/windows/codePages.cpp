@@ -1,0 +1,23 @@
+#include "platform/codePages.h"
+
+#include <windows.h>
+
+namespace platform {
+
+unsigned resolveCodePage(unsigned codePage) {
+  return codePage == systemCodePage ? GetACP() : codePage;
+}
+
+// WHY -1: Windows knows no other negative length.
+
+int decodeCodePage(unsigned codePage, const char* bytes, int length, wchar_t* output,
+                   int capacity) {
+  return MultiByteToWideChar(codePage, 0, bytes, length < 0 ? -1 : length, output, capacity);
+}
+
+int encodeCodePage(unsigned codePage, const wchar_t* text, int length, char* output, int capacity) {
+  return WideCharToMultiByte(codePage, 0, text, length < 0 ? -1 : length, output, capacity, nullptr,
+                             nullptr);
+}
+
+}  // namespace platform

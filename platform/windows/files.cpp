@@ -1,0 +1,99 @@
+#include "platform/files.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace platform {
+namespace {
+
+constexpr std::size_t largestTransfer = std::size_t{1} << 30;  // one call takes 32 bits
+
+HANDLE asHandle(std::intptr_t handle) { return reinterpret_cast<HANDLE>(handle); }
+
+}  // namespace
+
+bool fileExists(const std::wstring& path) {
+  WIN32_FILE_ATTRIBUTE_DATA attributes;
+  return GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &attributes) != 0;
+}
+
+bool folderExists(const std::wstring& path) {
+  WIN32_FILE_ATTRIBUTE_DATA attributes;
+  return GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &attributes) != 0 &&
+         (attributes.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool removeFile(const std::wstring& path) { return DeleteFileW(path.c_str()) != 0; }
+
+bool replaceFile(const std::wstring& from, const std::wstring& to) {
+  return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
+bool createFolder(const std::wstring& path) { return CreateDirectoryW(path.c_str(), nullptr) != 0; }
+
+bool removeFolder(const std::wstring& path) { return RemoveDirectoryW(path.c_str()) != 0; }
+
+// The sharing modes are those of the C runtime's secure open: readers get in beside readers, nobody
+// gets in beside a writer.
+
+bool binaryFile::openForReading(const std::wstring& path) {
+  close();
+  handle_ = reinterpret_cast<std::intptr_t>(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ,
+                                                        nullptr, OPEN_EXISTING,
+                                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+  return isOpen();
+}
+
+bool binaryFile::openForWriting(const std::wstring& path) {
+  close();
+  handle_ = reinterpret_cast<std::intptr_t>(CreateFileW(
+      path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+  return isOpen();
+}
+
+std::size_t binaryFile::read(void* buffer, std::size_t size) {
+  if (!isOpen()) return 0;
+  std::size_t done = 0;
+  while (done < size) {
+    DWORD count = 0;
+    if (ReadFile(asHandle(handle_), static_cast<char*>(buffer) + done,
+                 static_cast<DWORD>(std::min(size - done, largestTransfer)), &count,
+                 nullptr) == 0 ||
+        count == 0)
+      break;
+    done += count;
+  }
+  return done;
+}
+
+bool binaryFile::write(const void* bytes, std::size_t size) {
+  if (!isOpen()) return false;
+  std::size_t done = 0;
+  while (done < size) {
+    DWORD count = 0;
+    if (WriteFile(asHandle(handle_), static_cast<const char*>(bytes) + done,
+                  static_cast<DWORD>(std::min(size - done, largestTransfer)), &count,
+                  nullptr) == 0 ||
+        count == 0)
+      return false;
+    done += count;
+  }
+  return true;
+}
+
+std::uint64_t binaryFile::size() const {
+  LARGE_INTEGER size;
+  if (!isOpen() || GetFileType(asHandle(handle_)) != FILE_TYPE_DISK ||
+      GetFileSizeEx(asHandle(handle_), &size) == 0)
+    return 0;
+  return static_cast<std::uint64_t>(size.QuadPart);
+}
+
+bool binaryFile::close() {
+  if (!isOpen()) return true;
+  return CloseHandle(asHandle(std::exchange(handle_, closedHandle))) != 0;
+}
+
+}  // namespace platform

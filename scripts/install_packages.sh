@@ -1,0 +1,70 @@
+#!/bin/bash
+# Installs the Debian packages that a task needs, those alone that are missing.
+#
+# usage: install_packages.sh SET...
+#   run      to build the library and the tool
+#   native   to build and run the tests on this machine (also with the sanitizers)
+#   windows  to cross-compile and to run the tests under Wine
+#   lint     to check style and to run clang-tidy
+#   fuzz     to build the fuzz targets
+#
+# Says nothing when nothing is missing. On a system without dpkg the packages are taken for present: the
+# build then tells what it does not find.
+set -u
+
+packages_of() {
+  local run="cmake g++ libcli11-dev libfmt-dev ninja-build"
+  local native="$run binutils gcc googletest python3"
+  case $1 in
+    run) echo "$run" ;;
+    native) echo "$native" ;;
+    windows) echo "$native g++-mingw-w64-x86-64-posix locales wine wine64" ;;
+    lint) echo "$native clang-format clang-tidy" ;;
+    fuzz) echo "$run clang" ;;
+    *) echo "install_packages.sh: unknown set '$1'" >&2; return 1 ;;
+  esac
+}
+
+[ $# -gt 0 ] || { echo "usage: install_packages.sh SET..." >&2; exit 2; }
+wanted=
+for set in "$@"; do
+  packages=$(packages_of "$set") || exit 2
+  wanted="$wanted $packages"
+done
+command -v dpkg-query >/dev/null || exit 0
+
+# One package a line; a name that dpkg never heard of is missing from the answer.
+# shellcheck disable=SC2086 # a list of words
+installed=$(LC_ALL=C dpkg-query -W -f '${db:Status-Status} ${Package}\n' $wanted 2>/dev/null |
+  sed -n 's/^installed //p')
+missing=
+# shellcheck disable=SC2086 # a list of words
+for package in $(printf '%s\n' $wanted | sort -u); do
+  grep -qxF -- "$package" <<<"$installed" || missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+
+as_root=
+if [ "$(id -u)" -ne 0 ]; then
+  if ! command -v sudo >/dev/null; then
+    echo "Packages are missing and neither root nor sudo is at hand:$missing" >&2
+    exit 1
+  fi
+  as_root=sudo
+  [ -t 0 ] || as_root="sudo -n"   # nobody is there to type a password
+fi
+
+apt() {
+  # WHY env: sudo drops the environment.
+  $as_root env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 -y "$@" </dev/null
+}
+
+echo "Installing:$missing" >&2
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+# shellcheck disable=SC2086 # a list of words
+if ! { apt update && apt install --no-install-recommends $missing; } >"$log" 2>&1; then
+  cat "$log" >&2
+  echo "The packages could not be installed:$missing" >&2
+  exit 1
+fi

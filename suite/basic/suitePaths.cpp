@@ -1,0 +1,50 @@
+// Suite paths of vok_basic: where the main module and the temporary folder are.
+#include <mutex>
+#include <string>
+
+#include "platform/environment.h"
+#include "platform/vok_basic.h"
+
+namespace {
+
+// The one thing that vok_basic remembers: what the host said of its main module. It is kept here and
+// nowhere else, because only the host can know it and every variant asks for it.
+class mainModule {
+ public:
+  void set(const wchar_t* path) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    path_ = path == nullptr ? L"" : path;
+  }
+
+  std::wstring get() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return path_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::wstring path_;
+};
+
+mainModule& hostsMainModule() {
+  static mainModule module;
+  return module;
+}
+
+}  // namespace
+
+// WHY thread_local: the result is a bare pointer that nobody frees, and two threads may ask at once.
+const wchar_t* vo_options_get_main_module_path(void) {
+  thread_local std::wstring answer;
+  answer = hostsMainModule().get();
+  if (answer.empty()) answer = platform::executablePath();
+  return answer.c_str();
+}
+
+void vo_options_set_main_module_path(const wchar_t* path) { hostsMainModule().set(path); }
+
+const wchar_t* vo_options_get_temp_wpath(void) {
+  thread_local std::wstring answer;
+  answer = platform::temporaryFolder();
+  return answer.c_str();
+}

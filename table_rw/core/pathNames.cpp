@@ -1,0 +1,30 @@
+#include "table_rw/core/pathNames.h"
+
+#include "platform/caseFolding.h"
+
+namespace tableRW {
+namespace {
+
+std::size_t folderLength(std::wstring_view path) {
+  const std::size_t separator = path.find_last_of(L"\\/");
+  return separator == std::wstring_view::npos ? 0 : separator + 1;
+}
+
+}  // namespace
+
+std::wstring folderOf(std::wstring_view path) {
+  return std::wstring(path.substr(0, folderLength(path)));
+}
+
+std::wstring fileNameOf(std::wstring_view path) {
+  return std::wstring(path.substr(folderLength(path)));
+}
+
+std::wstring extensionOf(std::wstring_view path) {
+  const std::wstring_view name = path.substr(folderLength(path));
+  const std::size_t dot = name.rfind(L'.');
+  return dot == std::wstring_view::npos ? std::wstring()
+                                        : platform::lowerCase(std::wstring(name.substr(dot)));
+}
+
+}  // namespace tableRW

@@ -1,0 +1,85 @@
+// The rows of a read table in memory: all values one behind the other as UTF-8 in one arena, and for
+// each value the offset of its end.
+//
+//     arena   W-1 1250.5 sand W-2 980 clay          bytes of all values
+//     ends       3     9   13  16  19   23          one a value; 32 bits until the arena outgrows them
+//     rows    0                3                    first value of each row, kept only for ragged tables
+//
+// A value costs its bytes and one offset; a table of equal rows costs nothing per row. Rows may differ in
+// length, since some formats have such rows; then the row starts are kept too.
+//
+// Values are added at the end, closed row by row; a row that turns out to be unwanted is dropped before it
+// is closed. Copying copies the table. Nothing fails but allocation. One object, one thread at a time.
+#ifndef VOK_TABLE_RW_CORE_VALUETABLE_H
+#define VOK_TABLE_RW_CORE_VALUETABLE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "table_rw/core/growingArray.h"
+
+namespace tableRW {
+
+class valueTable {
+ public:
+  /// @param shortOffsetLimit  arena size up to which offsets have 32 bits; tests choose a small one
+  explicit valueTable(std::uint64_t shortOffsetLimit = std::numeric_limits<std::uint32_t>::max())
+      : shortOffsetLimit_(shortOffsetLimit) {}
+
+  /// Forgets all rows and gives their memory back.
+  void clear();
+
+  std::size_t rowCount() const { return rowCount_; }
+
+  /// Number of values in a row; 0 for a row that does not exist.
+  std::size_t rowSize(std::size_t row) const;
+
+  /// The UTF-8 bytes of a value (see text/utf8.h); empty for a row or column that does not exist. They
+  /// live until the table is changed.
+  std::string_view bytes(std::size_t row, std::size_t column) const;
+
+  /// A value as wide text; empty for a row or column that does not exist.
+  std::wstring text(std::size_t row, std::size_t column) const;
+
+  /// Appends a value to the open row.
+  void addValue(std::wstring_view text);
+  /// Appends a value that is already UTF-8.
+  void addValue(std::string_view utf8);
+
+  /// Closes the open row: its values become the table's next row.
+  void endRow();
+
+  /// Forgets the values of the open row.
+  void dropRow();
+
+ private:
+  std::uint64_t endOf(std::size_t value) const {
+    return longOffsets_ ? longEnds_[value] : shortEnds_[value];
+  }
+  std::uint64_t startOf(std::size_t value) const { return value == 0 ? 0 : endOf(value - 1); }
+  std::size_t valueCount() const { return longOffsets_ ? longEnds_.size() : shortEnds_.size(); }
+  std::size_t firstValue(std::size_t row) const {
+    return ragged_ ? static_cast<std::size_t>(rowStarts_[row]) : row * rowWidth_;
+  }
+  void addEnd(std::size_t size);
+  void widenOffsets();
+  void keepRowStarts();
+
+  std::uint64_t shortOffsetLimit_;
+  growingArray<char> arena_;
+  growingArray<std::uint32_t> shortEnds_;
+  growingArray<std::uint64_t> longEnds_;
+  growingArray<std::uint64_t> rowStarts_;  // of all rows and of the open one, when ragged
+  std::size_t rowCount_ = 0;
+  std::size_t rowWidth_ = 0;      // values in every row, while the rows are equal
+  std::size_t openRowStart_ = 0;  // first value of the open row
+  bool longOffsets_ = false;
+  bool ragged_ = false;
+};
+
+}  // namespace tableRW
+
+#endif

@@ -1,0 +1,125 @@
+#include "table_rw/text/textModeFile.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace tableRW {
+namespace {
+
+constexpr std::size_t blockSize = std::size_t{256} * 1024;
+constexpr std::size_t outputBufferSize = std::size_t{64} * 1024;
+constexpr char carriageReturn = '\r';
+constexpr char lineFeed = '\n';
+constexpr char controlZ = '\x1A';
+
+// Folds CR LF into LF in place. A CR at the very end stays: the caller knows whether more follows.
+std::size_t foldLineEnds(char* bytes, std::size_t size) {
+  char* const end = bytes + size;
+  char* from = static_cast<char*>(std::memchr(bytes, carriageReturn, size));
+  if (from == nullptr) return size;
+  char* to = from;
+  while (from != end) {
+    if (from + 1 != end && from[1] == lineFeed) ++from;  // here *from is a CR, dropped before an LF
+    *to++ = *from++;
+    const auto left = static_cast<std::size_t>(end - from);
+    const auto* found = static_cast<const char*>(std::memchr(from, carriageReturn, left));
+    const std::size_t run = found == nullptr ? left : static_cast<std::size_t>(found - from);
+    std::memmove(to, from, run);
+    to += run;
+    from += run;
+  }
+  return static_cast<std::size_t>(to - bytes);
+}
+
+}  // namespace
+
+bool textModeInput::open(const std::wstring& path) {
+  close();
+  return file_.openForReading(path);
+}
+
+void textModeInput::close() {
+  file_.close();
+  std::vector<char>().swap(block_);
+  next_ = end_ = 0;
+  carriedCr_ = exhausted_ = atEnd_ = false;
+}
+
+bool textModeInput::fillBlock() {
+  if (exhausted_ || !file_.isOpen()) return false;
+  block_.resize(blockSize + 1);
+  next_ = end_ = 0;
+  while (end_ == 0 && !exhausted_) {
+    const std::size_t carried = carriedCr_ ? 1 : 0;
+    if (carriedCr_) block_[0] = carriageReturn;
+    carriedCr_ = false;
+    std::size_t size = file_.read(block_.data() + carried, blockSize);
+    if (size == 0) exhausted_ = true;
+    size += carried;
+    if (const void* stop = std::memchr(block_.data(), controlZ, size)) {
+      size = static_cast<std::size_t>(static_cast<const char*>(stop) - block_.data());
+      exhausted_ = true;
+    }
+    if (!exhausted_ && size > 0 && block_[size - 1] == carriageReturn) {
+      carriedCr_ = true;
+      --size;
+    }
+    end_ = foldLineEnds(block_.data(), size);
+  }
+  return end_ > 0;
+}
+
+std::size_t textModeInput::getChunk(char* buffer, std::size_t capacity) {
+  std::size_t got = 0;
+  while (got < capacity) {
+    if (next_ == end_ && !fillBlock()) {
+      atEnd_ = true;
+      break;
+    }
+    const char* const from = block_.data() + next_;
+    std::size_t size = std::min(end_ - next_, capacity - got);
+    const void* const found = std::memchr(from, lineFeed, size);
+    if (found != nullptr)
+      size = static_cast<std::size_t>(static_cast<const char*>(found) - from) + 1;
+    std::memcpy(buffer + got, from, size);
+    got += size;
+    next_ += size;
+    if (found != nullptr) break;
+  }
+  return got;
+}
+
+textModeOutput::~textModeOutput() { close(); }
+
+bool textModeOutput::open(const std::wstring& path) {
+  close();
+  failed_ = false;
+  return file_.openForWriting(path);
+}
+
+void textModeOutput::write(std::string_view text) {
+  if (!isOpen()) return;
+  std::size_t start = 0;
+  for (std::size_t found = text.find(lineFeed); found != std::string_view::npos;
+       found = text.find(lineFeed, start)) {
+    buffer_.append(text, start, found - start);
+    buffer_ += "\r\n";
+    start = found + 1;
+  }
+  buffer_.append(text, start);
+  if (buffer_.size() >= outputBufferSize) flush();
+}
+
+void textModeOutput::flush() {
+  if (!buffer_.empty() && !file_.write(buffer_.data(), buffer_.size())) failed_ = true;
+  buffer_.clear();
+}
+
+bool textModeOutput::close() {
+  if (!isOpen()) return !failed_;
+  flush();
+  if (!file_.close()) failed_ = true;
+  return !failed_;
+}
+
+}  // namespace tableRW

@@ -1,0 +1,76 @@
+// Files in text mode, as the Windows C runtime reads and writes them, on both targets.
+//
+// Reading: CR LF becomes LF; a CR before anything else stays, also at the end of the file; the byte 0x1A
+// ends the file wherever it stands. Read errors look like the end of the file.
+// Writing: every LF becomes CR LF, so text that already holds CR LF gets CR CR LF.
+//
+// One object belongs to one thread at a time.
+#ifndef VOK_TABLE_RW_TEXT_TEXTMODEFILE_H
+#define VOK_TABLE_RW_TEXT_TEXTMODEFILE_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/files.h"
+
+namespace tableRW {
+
+/// A file that is read in text mode, in blocks.
+class textModeInput {
+ public:
+  /// Opens a file at its start; one already open here is closed first.
+  bool open(const std::wstring& path);
+  bool isOpen() const { return file_.isOpen(); }
+  void close();
+
+  /// Reads up to and including the next LF, `capacity` bytes at most, NUL bytes like any other: what
+  /// the C function fgets reads into a buffer of `capacity` + 1 bytes.
+  /// @return bytes read; 0 at the end of the file
+  std::size_t getChunk(char* buffer, std::size_t capacity);
+
+  /// Whether a read has met the end of the file, as the C function feof tells it: after a last line
+  /// that ends in LF only the next read does.
+  bool atEnd() const { return atEnd_; }
+
+ private:
+  bool fillBlock();
+
+  platform::binaryFile file_;
+  std::vector<char> block_;  // folded bytes; one byte in front is kept for a CR carried over
+  std::size_t next_ = 0;     // first byte not yet handed out
+  std::size_t end_ = 0;      // behind the last folded byte
+  bool carriedCr_ = false;   // the last byte read was a CR, whose next byte is not known yet
+  bool exhausted_ = false;   // nothing more is to be read from the file
+  bool atEnd_ = false;
+};
+
+/// A file that is written in text mode, through a buffer; closed with its owner.
+class textModeOutput {
+ public:
+  textModeOutput() = default;
+  textModeOutput(const textModeOutput&) = delete;
+  textModeOutput& operator=(const textModeOutput&) = delete;
+  ~textModeOutput();
+
+  /// Creates or empties a file; one already open here is closed first.
+  bool open(const std::wstring& path);
+  bool isOpen() const { return file_.isOpen(); }
+
+  void write(std::string_view text);
+
+  /// @return false when any byte written since `open` was lost
+  bool close();
+
+ private:
+  void flush();
+
+  platform::binaryFile file_;
+  std::string buffer_;
+  bool failed_ = false;
+};
+
+}  // namespace tableRW
+
+#endif

@@ -1,0 +1,48 @@
+#include "table_rw/writers/tableWriter.h"
+
+#include <string>
+#include <utility>
+
+#include "table_rw/core/pathNames.h"
+#include "table_rw/writers/tableWriter_csv.h"
+
+namespace tableRW {
+namespace {
+
+template <class Variant>
+tableWriter* make(tableWriterOptions options) {
+  return new Variant(std::move(options));
+}
+
+// A format that this version does not write yet: refused, so that nothing is written in another one
+// under its name.
+tableWriter* refuse(tableWriterOptions) { return nullptr; }
+
+// ODD: .xls is written as XLSX too; spreadsheet programs open it and old scripts name their files so.
+constexpr struct {
+  const wchar_t* extension;
+  tableWriter* (*make)(tableWriterOptions options);
+} writerVariants[] = {
+    {L".xls",  refuse               },
+    {L".xlsx", refuse               },
+    {L".dbf",  refuse               },
+    {L".csv",  make<tableWriter_csv>},
+};
+
+}  // namespace
+
+tableWriter& tableWriter::operator=(const tableWriter&) { return *this; }
+
+tableWriter::~tableWriter() = default;
+
+tableWriter* tableWriter::open(tableWriterOptions options) {
+  if (options.fileName.empty()) return nullptr;
+  const std::wstring extension = extensionOf(options.fileName);
+  for (const auto& variant : writerVariants)
+    if (extension == variant.extension) return variant.make(std::move(options));
+  return make<tableWriter_csv>(std::move(options));
+}
+
+void tableWriter::close(tableWriter* writer) { delete writer; }
+
+}  // namespace tableRW

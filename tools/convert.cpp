@@ -1,0 +1,215 @@
+// The command convert: reads one table and writes it in the format that the target's extension
+// names.
+//
+// The target appears whole or not at all. The table goes to a file with a temporary name beside it;
+// what the library's writers do not report is found out from that file's size; then it takes the
+// target's name in one step. Whatever fails, the temporary file goes and the old target stays.
+#include <fmt/format.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/files.h"
+#include "table_rw/writers/tableWriter.h"
+#include "tools/commands.h"
+#include "tools/csvLimits.h"
+#include "tools/filePaths.h"
+#include "tools/formats.h"
+#include "tools/progress.h"
+#include "tools/targetFile.h"
+#include "tools/text.h"
+
+namespace vokTable {
+namespace {
+
+constexpr std::size_t lossesShown = 10;
+constexpr std::uint64_t rowsBetweenReports = 1000;
+
+/// What a target cannot hold, as far as it is shown.
+struct losses {
+  std::uint64_t count = 0;
+  std::vector<std::string> shown;
+
+  void add(std::string_view place, const std::wstring& field, std::string_view reason) {
+    if (++count <= lossesShown)
+      shown.push_back(fmt::format("{}, field {}: {}", place, inQuotes(toUtf8(field)), reason));
+  }
+
+  void explain(const messageWriter& messages) const {
+    for (const std::string& line : shown) messages.detail(line);
+    if (count > shown.size())
+      messages.detail(fmt::format("and {} more", grouped(count - shown.size())));
+  }
+};
+
+std::wstring outputDelimiter(const commandLine& request) {
+  return makeDelimiter(request.targetDelimiter.value_or(";"));
+}
+
+/// A conversion on its way, from the table that was read to the target.
+class conversion {
+ public:
+  conversion(const commandLine& request, const tableRW::tableReader& reader,
+             const messageWriter& messages)
+      : request_(request), reader_(reader), messages_(messages), target_(toWide(request.target)) {
+    options_.delimiter = outputDelimiter(request);
+    for (std::size_t field = 0; field < reader.fieldCount(); ++field)
+      options_.fields.push_back({reader.fieldName(field), reader.fieldType(field)});
+    if (isWrittenAsDelimitedText(target_)) examineForCsv();
+  }
+
+  exitCode run() {
+    if (request_.strict && losses_.count > 0) {
+      messages_.error(fmt::format(
+          "nothing was written: {} cannot hold {} unchanged; leave out --strict to write "
+          "all the same, or choose another --output-delimiter or format",
+          request_.target, counted(losses_.count, "value")));
+      losses_.explain(messages_);
+      return exitCode::writeFailed;
+    }
+    targetFile file(target_);
+    if (!write(file.temporaryPath()) || !isComplete(file.temporaryPath()))
+      return exitCode::writeFailed;
+    if (!file.finish()) {
+      messages_.error(
+          fmt::format("cannot replace {}: close programs that use it, and check its permissions",
+                      request_.target));
+      return exitCode::writeFailed;
+    }
+    if (losses_.count == 0) return exitCode::clean;
+    messages_.warning(fmt::format("{} will not be read back unchanged from {}:",
+                                  counted(losses_.count, "value"), request_.target));
+    losses_.explain(messages_);
+    return exitCode::rejected;
+  }
+
+ private:
+  /// Finds what delimited text cannot hold, and the size that the file must have.
+  void examineForCsv() {
+    const progressLine progress(messages_, fmt::format("examining {}", request_.reading.file));
+    const csvLimits limits(options_.delimiter);
+    std::uint64_t size = 0;
+    std::vector<std::wstring> row;
+    const auto examine = [&](std::string_view place) {
+      size += limits.lineSize(row);
+      for (std::size_t field = 0; field < row.size(); ++field)
+        if (const auto reason = limits.problem(row[field]))
+          losses_.add(place, reader_.fieldName(field), *reason);
+    };
+    reader_.fieldList(row);
+    examine("the header");
+    for (std::size_t number = 0; number < reader_.count(); ++number) {
+      reader_.getRow(number, row);
+      examine(fmt::format("row {}", grouped(number + 1)));
+    }
+    expectedSize_ = size;
+  }
+
+  bool write(const std::wstring& path) {
+    options_.fileName = path;
+    const std::unique_ptr<tableRW::tableWriter, decltype(&tableRW::tableWriter::close)> writer(
+        tableRW::tableWriter::open(options_), &tableRW::tableWriter::close);
+    if (!writer) {
+      messages_.error(fmt::format("cannot write {}: no writer takes it", request_.target));
+      return false;
+    }
+    progressLine progress(messages_, fmt::format("writing {}", request_.target));
+    std::vector<std::wstring> row;
+    for (std::size_t number = 0; number < reader_.count(); ++number) {
+      if (number % rowsBetweenReports == 0) progress.advance(number, reader_.count());
+      reader_.getRow(number, row);
+      writer->addRow(row);
+    }
+    return true;
+  }
+
+  /// WHY the size is asked: a writer accepts every row, whether it reaches the disk or not.
+  bool isComplete(const std::wstring& path) const {
+    platform::binaryFile file;
+    if (!file.openForReading(path)) {
+      messages_.error(fmt::format(
+          "cannot create {}: check that its folder exists and may be written to", request_.target));
+      return false;
+    }
+    const std::uint64_t size = file.size();
+    if (expectedSize_ ? size == *expectedSize_ : size > 0) return true;
+    messages_.error(fmt::format(
+        "{} was not written: the disk did not take the whole file; is it full?", request_.target));
+    return false;
+  }
+
+  const commandLine& request_;
+  const tableRW::tableReader& reader_;
+  const messageWriter& messages_;
+  std::wstring target_;
+  tableRW::tableWriterOptions options_;
+  std::optional<std::uint64_t> expectedSize_;  // known for delimited text alone
+  losses losses_;
+};
+
+/// Refuses a target that should not be written, before the source is read.
+exitCode checkTarget(const commandLine& request, const messageWriter& messages) {
+  const std::wstring target = toWide(request.target);
+  const std::wstring delimiter = outputDelimiter(request);
+  const std::string& name = request.target;
+  if (target.empty()) {
+    messages.error("the name of the target is empty");
+    return exitCode::usage;
+  }
+  if (delimiter.empty() || delimiter.find(L'"') != std::wstring::npos ||
+      csvLimits(delimiter).characterProblem(delimiter)) {
+    messages.error(
+        "--output-delimiter cannot be empty and cannot hold a quotation mark, a line break "
+        "or a character outside Windows-1251");
+    return exitCode::usage;
+  }
+  if (isSameFile(toWide(request.reading.file), target)) {
+    messages.error(fmt::format("{} is both the source and the target: name another target", name));
+    return exitCode::usage;
+  }
+  if (!isWritable(target)) {
+    messages.error(fmt::format("cannot write {}: writing its format is not in this version", name));
+    messages.hint("vok_table formats lists what can be written");
+    return exitCode::notAvailable;
+  }
+  if (platform::folderExists(target)) {
+    messages.error(fmt::format("cannot write {}: it is a folder; name a file in it", name));
+    return exitCode::writeFailed;
+  }
+  // The new file takes the place of what bears the name: not of a link's target, and not of a
+  // device, which other programs of this machine would miss.
+  if (isLink(target) || isPipeOrDevice(target)) {
+    messages.error(
+        fmt::format("cannot write {}: it is a link, a pipe or a device; name a file", name));
+    return exitCode::writeFailed;
+  }
+  if (!request.force && platform::fileExists(target)) {
+    messages.error(
+        fmt::format("{} exists already: name another target, or replace it with --force", name));
+    return exitCode::writeFailed;
+  }
+  return exitCode::clean;
+}
+
+}  // namespace
+
+exitCode convertTable(const commandLine& request, toolContext& context) {
+  readerPointer reader;
+  const exitCode opened = openSource(request.reading, context, reader);
+  if (!reader) return opened;
+  const exitCode checked = checkTarget(request, context.messages);
+  if (checked != exitCode::clean) return checked;
+  if (!readSource(*reader, {}, request.reading, context)) return exitCode::cannotOpen;
+  if (reader->fieldCount() == 0) {
+    context.messages.error(
+        fmt::format("{} holds no fields: there is nothing to write", request.reading.file));
+    return exitCode::cannotOpen;
+  }
+  const exitCode written = conversion(request, *reader, context.messages).run();
+  return worse(written, concludeReading(*reader, request.reading, context));
+}
+
+}  // namespace vokTable

@@ -1,0 +1,80 @@
+#include "tools/csvLimits.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <utility>
+
+#include "platform/codePages.h"
+#include "tools/text.h"
+
+namespace vokTable {
+namespace {
+
+constexpr unsigned writtenCodePage = 1251;
+constexpr std::wstring_view lineEnd = L"\r\n";
+constexpr wchar_t endOfText = L'\x1A';
+constexpr wchar_t quotationMark = L'"';
+
+}  // namespace
+
+csvLimits::csvLimits(std::wstring delimiter) : delimiter_(std::move(delimiter)) {
+  std::array<char, 256> bytes;
+  for (std::size_t byte = 0; byte < bytes.size(); ++byte) bytes[byte] = static_cast<char>(byte);
+  std::array<wchar_t, 256> characters{};
+  const int count =
+      platform::decodeCodePage(writtenCodePage, bytes.data(), 256, characters.data(), 256);
+  const std::wstring_view decoded(characters.data(), static_cast<std::size_t>(count));
+  for (std::size_t at = 0; at < decoded.size();) encodable_.set(nextCharacter(decoded, at));
+}
+
+std::optional<std::string> csvLimits::characterProblem(std::wstring_view text) const {
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t character = nextCharacter(text, at);
+    if (character == 0) return "holds a NUL character, which ends the line";
+    if (character == U'\n' || character == U'\r') return "holds a line break";
+    if (character == endOfText) return "holds Ctrl-Z (0x1A), which ends the file when it is read";
+    if (character > 0xFFFF || !encodable_[character])
+      return fmt::format("holds a character outside Windows-1251 (U+{:04X})",
+                         static_cast<std::uint32_t>(character));
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> csvLimits::problem(std::wstring_view value) const {
+  if (auto reason = characterProblem(value)) return reason;
+  if (isCutAtDelimiter(value)) return "holds the delimiter";
+  if (!value.empty() && (value.front() == quotationMark || value.back() == quotationMark))
+    return "begins or ends with a quotation mark, which is taken away when it is read";
+  return std::nullopt;
+}
+
+bool csvLimits::isCutAtDelimiter(std::wstring_view value) const {
+  if (value.find(delimiter_) != std::wstring_view::npos) return true;
+  // The end of the value may look like the beginning of a delimiter of several characters.
+  for (std::size_t length = 1; length < delimiter_.size() && length <= value.size(); ++length) {
+    const std::wstring seam = std::wstring(value.substr(value.size() - length)) + delimiter_;
+    if (seam.find(delimiter_) < length) return true;
+  }
+  return false;
+}
+
+std::uint64_t csvLimits::lineSize(const std::vector<std::wstring>& row) const {
+  if (row.empty()) return 0;
+  std::uint64_t size = lineEnd.size();
+  bool isEnded = false;
+  const auto add = [&](std::wstring_view text) {
+    for (std::size_t at = 0; at < text.size() && !isEnded;) {
+      const char32_t character = nextCharacter(text, at);
+      isEnded = character == 0;
+      if (!isEnded) size += character > 0xFFFF || character == U'\n' ? 2 : 1;
+    }
+  };
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    if (i > 0) add(delimiter_);
+    add(row[i]);
+  }
+  return size;
+}
+
+}  // namespace vokTable

@@ -1,0 +1,147 @@
+#include "tools/formats.h"
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+
+#include "platform/caseFolding.h"
+#include "platform/environment.h"
+#include "table_rw/core/tableReader.h"
+#include "table_rw/writers/tableWriter.h"
+#include "tools/tableDrawing.h"
+#include "tools/text.h"
+
+namespace vokTable {
+namespace {
+
+using enum tableRW::fileType;
+
+struct format {
+  tableRW::fileType type;
+  const char* typeName;
+  const char* title;
+  const char* chosenFor;  // the extensions that the automatic choice knows it by, or words
+  const char* written;    // the extension that it is written by; empty: it is only read
+};
+
+constexpr format formats[] = {
+    {fileTypeCsv,           "csv",       "delimited text",                "csv, any other", "csv" },
+    {fileTypeXlsConverter,  "xls",       "spreadsheet, by converter",     "xls, xlsx",      "xlsx"},
+    {fileTypeXlsOdbc,       "xls-odbc",  "spreadsheet, by ODBC",          "xls, xlsx",      ""    },
+    {fileTypeAccessOdbc,    "access",    "Access database, by ODBC",      "mdb, accdb",     ""    },
+    {fileTypeDbf,           "dbf",       "dBASE or FoxPro table",         "dbf",            "dbf" },
+    {fileTypeSqlite,        "sqlite",    "SQLite database",               "sqlite, well2",  ""    },
+    {fileTypeMicromineData, "micromine", "Micromine data file",           "micromine",      ""    },
+    {fileTypeMicromineDhdb, "dhdb",      "Micromine drill-hole database", "dhdb",           ""    },
+    {fileTypePetrel,        "petrel",    "Petrel text table",             "by first line",  ""    },
+};
+
+constexpr std::string_view automatic = "auto";
+
+bool isChosenFor(const format& asked, std::string_view extension) {
+  std::string_view rest = asked.chosenFor;
+  while (!rest.empty()) {
+    const std::size_t comma = rest.find(", ");
+    if (rest.substr(0, comma) == extension) return true;
+    rest.remove_prefix(comma == std::string_view::npos ? rest.size() : comma + 2);
+  }
+  return false;
+}
+
+/// The extension as the factory of the readers takes it: after the last dot of the whole path.
+const format* formatOfPath(const std::wstring& path) {
+  const std::size_t dot = path.rfind(L'.');
+  if (dot == std::wstring::npos) return nullptr;
+  const std::string extension = toUtf8(platform::lowerCase(path.substr(dot + 1)));
+  const auto* const found =
+      std::find_if(std::begin(formats), std::end(formats),
+                   [&](const format& each) { return isChosenFor(each, extension); });
+  return found == std::end(formats) ? nullptr : found;
+}
+
+const format* formatOf(std::int32_t fileType, const std::wstring& path) {
+  if (fileType == fileTypeAuto) return formatOfPath(path);
+  const auto* const found = std::find_if(std::begin(formats), std::end(formats),
+                                         [&](const format& each) { return each.type == fileType; });
+  return found == std::end(formats) ? nullptr : found;
+}
+
+bool isRead(const format& asked) {
+  tableRW::tableReaderOptions options(L"table");
+  options.file_type = asked.type;
+  const std::unique_ptr<tableRW::tableReader, decltype(&tableRW::tableReader::close)> reader(
+      tableRW::tableReader::open(options), &tableRW::tableReader::close);
+  return !reader->path().empty();
+}
+
+bool isWritten(const std::wstring& extension) {
+  // A writer creates its file at once, so the question names a folder that does not exist.
+  tableRW::tableWriterOptions options;
+  options.fileName = platform::temporaryFolder() + L"vok_table-" +
+                     std::to_wstring(platform::currentThreadId()) + L"-" +
+                     std::to_wstring(platform::clockCount()) + L"/table." + extension;
+  tableRW::tableWriter* const writer = tableRW::tableWriter::open(options);
+  tableRW::tableWriter::close(writer);
+  return writer != nullptr;
+}
+
+/// The extension as the factory of the writers takes it: after the last dot of the file's name.
+std::wstring writtenExtension(const std::wstring& path) {
+  const std::size_t name = path.find_last_of(L"/\\") + 1;  // 0 when there is neither
+  const std::size_t dot = path.rfind(L'.');
+  if (dot == std::wstring::npos || dot < name) return {};
+  return platform::lowerCase(path.substr(dot + 1));
+}
+
+}  // namespace
+
+std::optional<std::int32_t> findFileType(std::string_view text) {
+  const std::string wanted = toUtf8(platform::lowerCase(toWide(text)));
+  if (wanted == automatic || wanted == "0") return fileTypeAuto;
+  for (const format& each : formats)
+    if (wanted == each.typeName || wanted == std::to_string(each.type)) return each.type;
+  return std::nullopt;
+}
+
+std::string fileTypeNames() {
+  std::string names(automatic);
+  for (const format& each : formats) names += std::string(", ") + each.typeName;
+  return names;
+}
+
+std::string formatName(std::int32_t fileType, const std::wstring& path) {
+  const format* const found = formatOf(fileType, path);
+  return found == nullptr ? "Petrel text table" : found->title;
+}
+
+bool isChosenByExtension(const std::wstring& path) { return formatOfPath(path) != nullptr; }
+
+bool isDelimitedText(std::int32_t fileType, const std::wstring& path) {
+  const format* const found = formatOf(fileType, path);
+  return found == nullptr || found->type == fileTypeCsv;
+}
+
+bool isWritable(const std::wstring& path) { return isWritten(writtenExtension(path)); }
+
+bool isWrittenAsDelimitedText(const std::wstring& path) {
+  const std::wstring extension = writtenExtension(path);
+  return extension != L"xls" && extension != L"xlsx" && extension != L"dbf";
+}
+
+void showFormats(dataOutput& output) {
+  drawnTable table;
+  table.header = {L"format", L"type", L"extensions", L"read", L"write"};
+  table.visitRows = [](const rowReceiver& receive) {
+    const auto answer = [](bool isThere) { return isThere ? L"yes" : L"not in this version"; };
+    for (const format& each : formats) {
+      const std::wstring extension = toWide(each.written);
+      const wchar_t* const write = extension.empty() ? L"no" : answer(isWritten(extension));
+      if (!receive({toWide(each.title), toWide(each.typeName), toWide(each.chosenFor),
+                    answer(isRead(each)), write}))
+        return;
+    }
+  };
+  drawTable(table, output);
+}
+
+}  // namespace vokTable

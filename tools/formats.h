@@ -1,0 +1,44 @@
+// The table formats: what the tool calls them, which files they have, and what this version of the
+// library does with them. The answers come from the library itself, which is asked without touching
+// a file: a reader that reads nothing has an empty path, and a format that cannot be written gives
+// no writer.
+#ifndef VOK_TOOLS_FORMATS_H
+#define VOK_TOOLS_FORMATS_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/output.h"
+
+namespace vokTable {
+
+/// The number of a file type, by its name or as a number; nothing when there is none.
+std::optional<std::int32_t> findFileType(std::string_view text);
+
+/// The names of the file types, for a message.
+std::string fileTypeNames();
+
+/// What a format is called, for a message: by the file type, or for the automatic choice by the
+/// path.
+std::string formatName(std::int32_t fileType, const std::wstring& path);
+
+/// True when the automatic choice knows the path's extension and need not look into the file.
+bool isChosenByExtension(const std::wstring& path);
+
+/// True for delimited text: chosen by its type, or automatically for .csv and unknown extensions.
+bool isDelimitedText(std::int32_t fileType, const std::wstring& path);
+
+/// True when this version writes the format that the path's extension names.
+bool isWritable(const std::wstring& path);
+
+/// True when a table that is written to this path becomes delimited text.
+bool isWrittenAsDelimitedText(const std::wstring& path);
+
+/// The command `formats`: a table of all formats and what this version does with each.
+void showFormats(dataOutput& output);
+
+}  // namespace vokTable
+
+#endif

@@ -1,0 +1,98 @@
+#include "tools/source.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+
+#include "platform/files.h"
+#include "tools/filePaths.h"
+#include "tools/formats.h"
+#include "tools/progress.h"
+#include "tools/text.h"
+
+namespace vokTable {
+namespace {
+
+/// What keeps the file from being opened, as far as that can be told without opening it.
+std::optional<std::string> obstacle(const std::wstring& path) {
+  const std::string name = toUtf8(path);
+  if (path.empty()) return "the name of the file is empty";
+  if (!platform::fileExists(path))
+    return fmt::format("cannot open {}: there is no such file; check the path", name);
+  if (platform::folderExists(path))
+    return fmt::format("cannot open {}: it is a folder; name a file in it", name);
+  return std::nullopt;
+}
+
+/// WHY only after a failure: a pipe that was opened and closed is lost for whoever writes to it.
+bool explainUnreadable(const std::wstring& path, const messageWriter& messages) {
+  platform::binaryFile file;
+  if (file.openForReading(path)) return false;
+  messages.error(fmt::format(
+      "cannot open {}: it may not be read; check its permissions and close programs that use it",
+      toUtf8(path)));
+  return true;
+}
+
+exitCode explainNothingReads(const tableRW::tableReaderOptions& options,
+                             const messageWriter& messages) {
+  if (explainUnreadable(options.path, messages)) return exitCode::cannotOpen;
+  messages.error(fmt::format("cannot read {}: reading the format \"{}\" is not in this version",
+                             toUtf8(options.path), formatName(options.file_type, options.path)));
+  messages.hint("vok_table formats lists what can be read; --type chooses another format");
+  return exitCode::notAvailable;
+}
+
+bool readExtent(tableRW::tableReader& reader, extent wanted) {
+  if (wanted.rows == extent::fieldsOnly) return reader.readOnlyHeaders();
+  return wanted.rows == extent::wholeTable ? reader.read() : reader.readDemo(wanted.rows);
+}
+
+}  // namespace
+
+exitCode openSource(const readingArguments& arguments, toolContext& context,
+                    readerPointer& reader) {
+  std::string problem;
+  auto options = makeReaderOptions(arguments, problem);
+  if (!options) {
+    context.messages.error(problem);
+    return exitCode::usage;
+  }
+  if (const auto reason = obstacle(options->path)) {
+    context.messages.error(*reason);
+    return exitCode::cannotOpen;
+  }
+  // The automatic choice looks into a file of an unknown kind, and would take a pipe's begin away.
+  const bool looksInside =
+      options->file_type == tableRW::fileTypeAuto && !isChosenByExtension(options->path);
+  if (looksInside && isPipeOrDevice(options->path)) options->file_type = tableRW::fileTypeCsv;
+  readerPointer opened(tableRW::tableReader::open(*options));
+  if (opened->path().empty()) return explainNothingReads(*options, context.messages);
+  reader = std::move(opened);
+  return exitCode::clean;
+}
+
+bool readSource(tableRW::tableReader& reader, extent wanted, const readingArguments& arguments,
+                toolContext& context) {
+  bool isRead = false;
+  {
+    const progressLine progress(context.messages, fmt::format("reading {}", arguments.file));
+    isRead = readExtent(reader, wanted);
+  }
+  if (isRead) return true;
+  if (explainUnreadable(reader.path(), context.messages)) return false;
+  const std::string table =
+      arguments.table ? fmt::format(", table {}", inQuotes(*arguments.table)) : std::string();
+  context.messages.error(fmt::format(
+      "cannot read {}{}: its content is not what was expected; check the file and the options",
+      arguments.file, table));
+  return false;
+}
+
+exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& arguments,
+                         toolContext& context, listing rejected) {
+  context.output.flush();
+  return diagnose(reader, arguments, rejected, context.messages);
+}
+
+}  // namespace vokTable

@@ -1,0 +1,63 @@
+// The source of a command: a file that is looked at before it is opened, a reader for it, and what
+// the user has to be told about the reading.
+//
+//     readerPointer reader;
+//     exitCode outcome = openSource(arguments, context, reader);
+//     if (!reader) return outcome;
+//     if (!readSource(*reader, {}, arguments, context)) return exitCode::cannotOpen;
+//     ... the command's own work ...
+//     return concludeReading(*reader, arguments, context);
+//
+// The library has no messages, so the tool finds out for itself: a missing file, a folder and a
+// file that may not be read are told apart beforehand; a reader whose path is empty is the one that
+// reads nothing, which means that the format is not in this version.
+#ifndef VOK_TOOLS_SOURCE_H
+#define VOK_TOOLS_SOURCE_H
+
+#include <memory>
+
+#include "table_rw/core/tableReader.h"
+#include "tools/diagnosis.h"
+#include "tools/exitCodes.h"
+#include "tools/messages.h"
+#include "tools/output.h"
+#include "tools/readingOptions.h"
+
+namespace vokTable {
+
+/// Where a command speaks.
+struct toolContext {
+  messageWriter messages;
+  dataOutput output;
+};
+
+struct readerCloser {
+  void operator()(tableRW::tableReader* reader) const { tableRW::tableReader::close(reader); }
+};
+using readerPointer = std::unique_ptr<tableRW::tableReader, readerCloser>;
+
+/// Builds the reader for a source.
+/// @param reader  receives it; stays null when the answer is not clean, which has been explained
+/// then
+exitCode openSource(const readingArguments& arguments, toolContext& context, readerPointer& reader);
+
+/// How much of a table is read.
+struct extent {
+  int rows = wholeTable;  ///< number of rows wanted, where the format can stop there
+  static constexpr int wholeTable = -1;
+  static constexpr int fieldsOnly = -2;
+};
+
+/// Reads the table and shows that work goes on.
+/// @return false when it cannot be read, which has been explained then
+bool readSource(tableRW::tableReader& reader, extent wanted, const readingArguments& arguments,
+                toolContext& context);
+
+/// Hands out what was written, then says what is odd about the source (see diagnosis.h).
+/// @return rejected when lines were rejected, else clean
+exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& arguments,
+                         toolContext& context, listing rejected = listing::elsewhere);
+
+}  // namespace vokTable
+
+#endif

@@ -1,0 +1,32 @@
+// The file that a conversion writes: under a temporary name in the target's folder first, and under
+// its own name, in one step, when it is whole.
+#ifndef VOK_TOOLS_TARGETFILE_H
+#define VOK_TOOLS_TARGETFILE_H
+
+#include <string>
+
+namespace vokTable {
+
+/// The temporary file. It goes away with its owner, unless it has taken the target's name before.
+class targetFile {
+ public:
+  /// Finds a name that nothing has. It keeps the target's extension, by which a writer is chosen.
+  explicit targetFile(const std::wstring& target);
+  targetFile(const targetFile&) = delete;
+  targetFile& operator=(const targetFile&) = delete;
+  ~targetFile();
+
+  const std::wstring& temporaryPath() const { return temporaryPath_; }
+
+  /// Takes the target's name; what had it before is replaced. @return false when that fails
+  bool finish();
+
+ private:
+  std::wstring target_;
+  std::wstring temporaryPath_;
+  bool isFinished_ = false;
+};
+
+}  // namespace vokTable
+
+#endif

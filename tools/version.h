@@ -1,0 +1,12 @@
+// The version that vok_table tells. It is the project's version in CMakeLists.txt; a test compares
+// the two.
+#ifndef VOK_TOOLS_VERSION_H
+#define VOK_TOOLS_VERSION_H
+
+namespace vokTable {
+
+inline constexpr const char* versionText = "vok_table 1.0.0";
+
+}  // namespace vokTable
+
+#endif
