@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Counts the tests of one ctest run: ctest_counts.py NAME LOG_DIR CTEST_EXIT_CODE
 
-LOG_DIR holds the run's result, NAME.xml, and what ctest printed, NAME-ctest.log. Prints every failed test with its output on standard error, and `PASSED FAILED SKIPPED` on standard
-output. A run without a readable result, or one that ctest calls failed without naming a test, is one
-failure.
+LOG_DIR holds the run's result, NAME.xml, and what ctest printed, NAME-ctest.log. Prints every failed
+test with its output on standard error, and `PASSED FAILED SKIPPED` on standard output. A run without a
+readable result, or one that ctest calls failed without naming a test, is one failure.
 """
 import os
 import re

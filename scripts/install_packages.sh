@@ -7,6 +7,7 @@
 #   windows  to cross-compile and to run the tests under Wine
 #   lint     to check style and to run clang-tidy
 #   fuzz     to build the fuzz targets
+#   bench, bench-peers  to measure the library, and other programs beside it
 #
 # Says nothing when nothing is missing. On a system without dpkg the packages are taken for present: the
 # build then tells what it does not find.
@@ -21,6 +22,8 @@ packages_of() {
     windows) echo "$native g++-mingw-w64-x86-64-posix locales wine wine64" ;;
     lint) echo "$native clang-format clang-tidy" ;;
     fuzz) echo "$run clang" ;;
+    bench) echo "$run python3" ;;
+    bench-peers) echo "$run python3 libcsv-dev libgdal-dev python3-pandas" ;;
     *) echo "install_packages.sh: unknown set '$1'" >&2; return 1 ;;
   esac
 }

@@ -1,9 +1,8 @@
 // The command line of vok_table: which command, on which file, with which options.
 //
 // Only commandLine.cpp knows CLI11. Help and version texts, and what is wrong with a command line,
-// come back as text for the caller to show. Arguments are UTF-8 here; a command line in Windows'
-// style
-// ("/f") is not understood, because a path may begin with a slash.
+// come back as text for the caller to show. Arguments are UTF-8 here. Options in Windows' style
+// ("/f") are not understood, because a path may begin with a slash.
 #ifndef VOK_TOOLS_COMMANDLINE_H
 #define VOK_TOOLS_COMMANDLINE_H
 

@@ -49,6 +49,14 @@ std::wstring outputDelimiter(const commandLine& request) {
   return makeDelimiter(request.targetDelimiter.value_or(";"));
 }
 
+/// True, and explained, when the target exists and may not be replaced.
+bool refusesExisting(const commandLine& request, const messageWriter& messages) {
+  if (request.force || !platform::fileExists(toWide(request.target))) return false;
+  messages.error(fmt::format("{} exists already: name another target, or replace it with --force",
+                             request.target));
+  return true;
+}
+
 /// A conversion on its way, from the table that was read to the target.
 class conversion {
  public:
@@ -73,6 +81,8 @@ class conversion {
     targetFile file(target_);
     if (!write(file.temporaryPath()) || !isComplete(file.temporaryPath()))
       return exitCode::writeFailed;
+    // Reading and writing took their time: the target may be there by now.
+    if (refusesExisting(request_, messages_)) return exitCode::writeFailed;
     if (!file.finish()) {
       messages_.error(
           fmt::format("cannot replace {}: close programs that use it, and check its permissions",
@@ -186,11 +196,7 @@ exitCode checkTarget(const commandLine& request, const messageWriter& messages) 
         fmt::format("cannot write {}: it is a link, a pipe or a device; name a file", name));
     return exitCode::writeFailed;
   }
-  if (!request.force && platform::fileExists(target)) {
-    messages.error(
-        fmt::format("{} exists already: name another target, or replace it with --force", name));
-    return exitCode::writeFailed;
-  }
+  if (refusesExisting(request, messages)) return exitCode::writeFailed;
   return exitCode::clean;
 }
 

@@ -8,9 +8,10 @@
 //     ... the command's own work ...
 //     return concludeReading(*reader, arguments, context);
 //
-// The library has no messages, so the tool finds out for itself: a missing file, a folder and a
-// file that may not be read are told apart beforehand; a reader whose path is empty is the one that
-// reads nothing, which means that the format is not in this version.
+// The library has no messages, so the tool finds out for itself: a missing file and a folder are
+// told apart beforehand, a file that may not be read afterwards; a reader whose path is empty is
+// the one that reads nothing, which means that the format is not in this version. A pipe is opened
+// once; unless the user says otherwise, it holds delimited text.
 #ifndef VOK_TOOLS_SOURCE_H
 #define VOK_TOOLS_SOURCE_H
 

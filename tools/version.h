@@ -1,5 +1,5 @@
-// The version that vok_table tells. It is the project's version in CMakeLists.txt; a test compares
-// the two.
+// The version that vok_table tells: the project's version in CMakeLists.txt. A test compares the
+// two.
 #ifndef VOK_TOOLS_VERSION_H
 #define VOK_TOOLS_VERSION_H
 

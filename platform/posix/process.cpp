@@ -16,6 +16,7 @@ std::optional<int> runProcess(const std::wstring& program, const std::wstring& c
   for (const std::wstring& argument : splitCommandLine(commandLine))
     arguments.push_back(nativeBytes(argument));
   std::vector<char*> pointers;
+  pointers.reserve(arguments.size() + 1);
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   pointers.push_back(nullptr);
 

@@ -4,6 +4,7 @@
 #include <shellapi.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <utility>
 
@@ -46,9 +47,12 @@ bool writeBytes(HANDLE handle, std::string_view bytes) {
     DWORD written = 0;
     if (WriteFile(handle, bytes.data(),
                   static_cast<DWORD>(std::min(bytes.size(), std::size_t{1} << 30)), &written,
-                  nullptr) == 0 ||
-        written == 0)
+                  nullptr) == 0) {
+      const DWORD error = GetLastError();
+      if (error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA) errno = EPIPE;
       return false;
+    }
+    if (written == 0) return false;
     bytes.remove_prefix(written);
   }
   return true;

@@ -10,8 +10,7 @@ namespace {
 
 std::wstring widened(const char* text) {
   const int length = static_cast<int>(std::char_traits<char>::length(text));
-  const int needed =
-      platform::decodeCodePage(platform::systemCodePage, text, length, nullptr, 0);
+  const int needed = platform::decodeCodePage(platform::systemCodePage, text, length, nullptr, 0);
   std::wstring wide(static_cast<std::size_t>(needed), L'\0');
   if (needed > 0)
     platform::decodeCodePage(platform::systemCodePage, text, length, wide.data(), needed);
@@ -20,8 +19,7 @@ std::wstring widened(const char* text) {
 
 std::string narrowed(const wchar_t* text) {
   const int length = static_cast<int>(std::char_traits<wchar_t>::length(text));
-  const int needed =
-      platform::encodeCodePage(platform::systemCodePage, text, length, nullptr, 0);
+  const int needed = platform::encodeCodePage(platform::systemCodePage, text, length, nullptr, 0);
   std::string narrow(static_cast<std::size_t>(needed), '\0');
   if (needed > 0)
     platform::encodeCodePage(platform::systemCodePage, text, length, narrow.data(), needed);
@@ -31,8 +29,7 @@ std::string narrowed(const wchar_t* text) {
 // The adapter of a caller that has a function and a pointer instead of an object.
 class callbackAdapter final : public Tvo_string_adapter_base {
  public:
-  callbackAdapter(vo_string_adp_receiver receiver, void* user)
-      : receiver_(receiver), user_(user) {}
+  callbackAdapter(vo_string_adp_receiver receiver, void* user) : receiver_(receiver), user_(user) {}
 
   void receive(const wchar_t* text) override { receiver_(user_, text == nullptr ? L"" : text); }
 

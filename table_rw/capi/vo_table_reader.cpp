@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "table_rw/core/readerVariants.h"
 #include "table_rw/core/tableReader.h"
 
 using tableRW::tableReader;
@@ -19,11 +20,11 @@ tableReaderOptions* object(vo_table_reader_options* options) {
 
 tableReader* object(vo_table_reader* reader) { return reinterpret_cast<tableReader*>(reader); }
 
-// Runs a read of a variant and keeps everything but an allocation failure from crossing the interface.
-template <class Read>
-bool guarded(Read read) {
+// Runs an operation of a variant and keeps all but an allocation failure from crossing the interface.
+template <class Operation>
+bool guarded(Operation operation) {
   try {
-    return read();
+    return operation();
   } catch (const std::bad_alloc&) {
     throw;
   } catch (...) {
@@ -80,7 +81,13 @@ void vo_table_reader_options_set_table(vo_table_reader_options* options, const w
 }
 
 vo_table_reader* vo_table_reader_open(vo_table_reader_options* options) {
-  return reinterpret_cast<vo_table_reader*>(tableReader::open(*object(options)));
+  tableReader* reader = nullptr;
+  const bool opened = guarded([&] {
+    reader = tableReader::open(*object(options));
+    return true;
+  });
+  if (!opened) reader = tableRW::makeDummyReader(*object(options));
+  return reinterpret_cast<vo_table_reader*>(reader);
 }
 
 void vo_table_reader_close(vo_table_reader* reader) { tableReader::close(object(reader)); }
@@ -98,7 +105,10 @@ bool vo_table_reader_read(vo_table_reader* reader) {
 }
 
 void vo_table_reader_set_table(vo_table_reader* reader, const wchar_t* name) {
-  object(reader)->setTable(name);
+  guarded([=] {
+    object(reader)->setTable(name);
+    return true;
+  });
 }
 
 void vo_table_reader_table_list(vo_table_reader* reader, vo_string_adp* adapter) {

@@ -45,7 +45,8 @@ VOK_API vo_table_reader_options* vo_table_reader_options_create(const wchar_t* p
 /* Frees the options; null is ignored. */
 VOK_API void vo_table_reader_options_close(vo_table_reader_options* options);
 
-VOK_API void vo_table_reader_options_set_path(vo_table_reader_options* options, const wchar_t* path);
+VOK_API void vo_table_reader_options_set_path(vo_table_reader_options* options,
+                                              const wchar_t* path);
 
 /* Line of the field names; negative: there is none, and the fields are called field_0, field_1... */
 VOK_API void vo_table_reader_options_set_header_position(vo_table_reader_options* options,
@@ -69,10 +70,12 @@ VOK_API void vo_table_reader_options_set_delimiter(vo_table_reader_options* opti
                                                    wchar_t delimiter);
 
 /* Index of the encoding, 0 to 18: 0 UTF-8, 8 CP1251, 16 CP866, 18 the system's code page. */
-VOK_API void vo_table_reader_options_set_encoding(vo_table_reader_options* options, int32_t encoding);
+VOK_API void vo_table_reader_options_set_encoding(vo_table_reader_options* options,
+                                                  int32_t encoding);
 
 /* The table or sheet to read, where the source holds several. */
-VOK_API void vo_table_reader_options_set_table(vo_table_reader_options* options, const wchar_t* name);
+VOK_API void vo_table_reader_options_set_table(vo_table_reader_options* options,
+                                               const wchar_t* name);
 
 /* ---- reader ---- */
 

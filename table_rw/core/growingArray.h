@@ -67,7 +67,8 @@ class growingArray {
   void grow(std::size_t count) {
     constexpr std::size_t most = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(T);
     if (count > most - size_) throw std::bad_alloc();
-    const std::size_t wanted = std::max({size_ + count, capacity_ + capacity_ / 2, std::size_t{64}});
+    const std::size_t wanted =
+        std::max({size_ + count, capacity_ + capacity_ / 2, std::size_t{64}});
     const std::size_t capacity = std::min(wanted, most);
     void* const moved = std::realloc(data_, capacity * sizeof(T));
     if (moved == nullptr) throw std::bad_alloc();

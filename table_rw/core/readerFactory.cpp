@@ -27,9 +27,9 @@ using variantTest = bool (*)(const readerVariant&, const std::wstring&);
 tableReader* makeFirst(variantTest fits, const std::wstring& text,
                        const tableReaderOptions& options) {
   const auto variants = readerVariants();
-  const auto found = std::find_if(
-      variants.begin(), variants.end(),
-      [&](const readerVariant& variant) { return fits(variant, text); });
+  const auto found =
+      std::find_if(variants.begin(), variants.end(),
+                   [&](const readerVariant& variant) { return fits(variant, text); });
   return found == variants.end() ? nullptr : found->make(options);
 }
 

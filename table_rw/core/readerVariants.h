@@ -13,7 +13,7 @@ namespace tableRW {
 
 /// One way to read a source. The factory takes the first row that fits.
 struct readerVariant {
-  std::int32_t fileType;                         ///< the number that asks for it explicitly
+  std::int32_t fileType;                          ///< the number that asks for it explicitly
   std::array<const wchar_t*, 4> extensions = {};  ///< lower case, without the dot; unused ones null
   bool (*usable)() = nullptr;                ///< asked before an extension is heeded; null: always
   const wchar_t* firstLineMarker = nullptr;  ///< text that a file's first line holds; null: none

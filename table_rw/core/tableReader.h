@@ -121,7 +121,8 @@ class VOK_API tableReader {
   /// The same for every such row, in row order, duplicates kept. `out` is cleared first.
   void searchValue(std::wstring resultField, const std::vector<indexCondition>& conditions,
                    std::vector<std::wstring>& out) const;
-  /// The result field's value in every row that has one value in one named field.
+  /// The result field's value in every row that has one value in one named field. The condition has to be
+  /// written as namedCondition(L"FIELD", L"value"): bare braces fit both overloads.
   void searchValue(std::wstring resultField, namedCondition condition,
                    std::vector<std::wstring>& out) const;
 

@@ -33,9 +33,9 @@ bool satisfies(const valueTable& rows, std::size_t row, const std::vector<wanted
 }  // namespace
 
 bool tableReader::hasColumns(const std::vector<indexCondition>& conditions) const {
-  return std::all_of(
-      conditions.begin(), conditions.end(),
-      [this](const indexCondition& condition) { return condition.first < fieldNames_.size(); });
+  return std::all_of(conditions.begin(), conditions.end(), [this](const indexCondition& condition) {
+    return condition.first < fieldNames_.size();
+  });
 }
 
 std::wstring tableReader::searchValue(std::wstring resultField,
@@ -69,7 +69,8 @@ void tableReader::searchValue(std::wstring resultField, namedCondition condition
   }
   searchValue(std::move(resultField),
               std::vector<indexCondition>{
-                  {static_cast<std::size_t>(column), std::move(condition.second)}},
+                  {static_cast<std::size_t>(column), std::move(condition.second)}
+  },
               out);
 }
 

@@ -44,8 +44,7 @@ class tableReader_csv : public tableReader {
   bool readFile();
   void nameFields(const std::vector<std::wstring>& names);
   void numberFields(const std::wstring& firstLine);
-  void addRecord(const std::wstring& line, std::uint64_t number,
-                 std::vector<std::wstring>& values);
+  void addRecord(const std::wstring& line, std::uint64_t number, std::vector<std::wstring>& values);
 
   bool headersOnly_ = false;
 };

@@ -22,9 +22,8 @@ struct chunk {
   bool read(textModeInput& file) {
     const std::size_t got = file.getChunk(bytes.data(), bytes.size());
     const void* const nul = std::memchr(bytes.data(), 0, got);
-    size = nul == nullptr
-               ? got
-               : static_cast<std::size_t>(static_cast<const char*>(nul) - bytes.data());
+    size = nul == nullptr ? got
+                          : static_cast<std::size_t>(static_cast<const char*>(nul) - bytes.data());
     return got > 0;
   }
 

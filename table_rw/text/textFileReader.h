@@ -23,7 +23,8 @@ namespace tableRW {
 struct textFileReader {
   textModeInput file;
   textEncoding encoding = encodingUtf8;
-  unsigned codePage = 0;  ///< the encoding's code page, the system's one resolved when the file opened
+  unsigned codePage =
+      0;  ///< the encoding's code page, the system's one resolved when the file opened
 
   /// Opens a file for reading. @return false when it cannot be opened
   bool open(const std::wstring& path, textEncoding encodingOfFile);

@@ -26,10 +26,11 @@ namespace tableRW {
 
 /// One column of the table to write.
 struct writerField {
-  std::wstring name;         ///< becomes the header cell or the DBF field name
-  fldType type = fldText;    ///< used by DBF alone
-  std::int32_t width = 0;    ///< field length in characters; used by DBF alone, which takes its low byte
-  std::uint8_t decimals = 0; ///< digits after the point; used by DBF alone
+  std::wstring name;       ///< becomes the header cell or the DBF field name
+  fldType type = fldText;  ///< used by DBF alone
+  std::int32_t width =
+      0;  ///< field length in characters; used by DBF alone, which takes its low byte
+  std::uint8_t decimals = 0;  ///< digits after the point; used by DBF alone
 };
 
 /// What to write and where.

@@ -88,7 +88,7 @@ def exported(options, kind, headers):
     if kind == "dll":
         raw = dll_names(headers)
     else:
-        raw = so_names(run(options.nm, "-D", "--defined-only", options.library))
+        raw = so_names(run(options.nm, "-D", "--defined-only", options.shared_library))
     demangled = run(options.cxxfilt, text="\n".join(raw)).splitlines() if raw else []
     return {name for name in map(normalised, demangled) if name}
 
@@ -121,15 +121,15 @@ def write_list(names):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("library")
+    parser.add_argument("shared_library", metavar="library")
     parser.add_argument("--update", action="store_true", help="write exports.txt from this library")
     parser.add_argument("--nm", default="nm")
     parser.add_argument("--objdump", default="objdump", help="one that knows the library's format")
     parser.add_argument("--cxxfilt", default="c++filt")
     options = parser.parse_args()
 
-    kind = "dll" if options.library.lower().endswith(".dll") else "so"
-    headers = run(options.objdump, "-p", options.library)
+    kind = "dll" if options.shared_library.lower().endswith(".dll") else "so"
+    headers = run(options.objdump, "-p", options.shared_library)
     names = exported(options, kind, headers)
     if options.update:
         write_list(names)
@@ -146,7 +146,7 @@ def main():
         complaints.append("no needed libraries were found: the output of objdump was not understood")
     complaints += needs_violations(kind, needs)
     for complaint in complaints:
-        print(f"{os.path.basename(options.library)}: {complaint}")
+        print(f"{os.path.basename(options.shared_library)}: {complaint}")
     if complaints:
         print("If the change is meant: check_exports.py --update LIBRARY, and a line in the changelog.")
     print(f"{len(names)} names, needs {' '.join(sorted(needs))}: {len(complaints)} complaints")

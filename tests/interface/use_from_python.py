@@ -138,10 +138,10 @@ def use(library, folder):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("library", help="the built shared library")
+    parser.add_argument("shared_library", metavar="library", help="the built shared library")
     options = parser.parse_args()
     with tempfile.TemporaryDirectory() as folder:
-        use(Library(os.path.abspath(options.library)), folder)
+        use(Library(os.path.abspath(options.shared_library)), folder)
     print(f"{failures} failed")
     return 1 if failures else 0
 

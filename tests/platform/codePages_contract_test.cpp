@@ -114,10 +114,14 @@ TEST(codePages, asciiRunsOfEveryLengthAroundOtherCharacters) {
       const std::string front(before, 'f');
       const std::string back(after, 'b');
       const std::wstring wide = std::wstring(before, L'f') + L'\x0416' + std::wstring(after, L'b');
-      EXPECT_EQ(decode(1251, front + "\xC6" + back), wide);
-      EXPECT_EQ(encode(1251, wide), front + "\xC6" + back);
-      EXPECT_EQ(decode(65001, front + "\xD0\x96" + back), wide);
-      EXPECT_EQ(encode(65001, wide), front + "\xD0\x96" + back);
+      std::string narrow = front;
+      narrow.append("\xC6").append(back);
+      EXPECT_EQ(decode(1251, narrow), wide);
+      EXPECT_EQ(encode(1251, wide), narrow);
+      std::string utf8 = front;
+      utf8.append("\xD0\x96").append(back);
+      EXPECT_EQ(decode(65001, utf8), wide);
+      EXPECT_EQ(encode(65001, wide), utf8);
     }
   }
 }
@@ -126,8 +130,7 @@ TEST(codePages, asciiRunsOfEveryLengthAroundOtherCharacters) {
 
 TEST(codePages, decodesTheRecordedUtf8Strings) {
   for (const auto& row : recordedRows("utf8_strings.tsv")) {
-    const bool isWineArtefact = !row[2].empty();
-    if (wideIsUtf16 && isWineArtefact) continue;
+    if (wideIsUtf16 && !row[2].empty()) continue;  // Wine differs there, Windows does not
     EXPECT_EQ(digitsOf(decode(65001, bytesOf(row[0]))), digitsOf(joinedWideOf(unitsOf(row[1]))))
         << row[0];
   }

@@ -168,6 +168,22 @@ class Output(CaseTest):
                                       "disk full?\n")
 
 
+class Memory(CaseTest):
+    @posix_only
+    @skip_for_windows("limits of this system would hit the Windows program's own files")
+    def test_table_that_is_too_large(self):
+        import resource  # only here: it does not exist everywhere
+
+        def limit_memory():
+            resource.setrlimit(resource.RLIMIT_AS, (1 << 26, 1 << 26))
+        if run_tool("version", preexec_fn=limit_memory).code != 0:
+            self.skipTest("the tool itself does not fit into the limit")
+        self.write({"t.csv": "a\n" + ("x" * 1000 + "\n") * 80000})
+        run = run_tool("cat", "t.csv", cwd=self.folder, preexec_fn=limit_memory)
+        self.assertEqual((run.code, run.out, run.err),
+                         (3, b"", "vok_table: error: not enough memory for this table\n"))
+
+
 class Pipes(CaseTest):
     """A source that can be read only once: opened once, never looked into beforehand."""
 
