@@ -80,7 +80,11 @@ TEST_F(files, manyBytesInOneCall) {
 
 TEST_F(files, openingForWritingEmptiesTheFile) {
   writeFile(folder_.file(L"f"), "long content");
-  writeFile(folder_.file(L"f"), "x");
+  binaryFile file;
+  ASSERT_TRUE(file.openForWriting(folder_.file(L"f")));
+  EXPECT_EQ(file.size(), 0u);
+  EXPECT_TRUE(file.write("x", 1));
+  EXPECT_TRUE(file.close());
   EXPECT_EQ(readFile(folder_.file(L"f")), "x");
 }
 
