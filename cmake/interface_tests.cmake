@@ -76,11 +76,13 @@ if(VOK_SUITE STREQUAL "own")
       --nm ${CMAKE_NM} --objdump ${CMAKE_OBJDUMP} $<TARGET_FILE:vok_table_rw_vc>)
 endif()
 
-# --- what one target shows for both: a host without a C compiler, and the layering -----------------
+# --- what one target shows for both: a host without a C compiler, generated tables, the layering ---
 if(NOT WIN32)
   add_test(NAME interface.use_from_python
     COMMAND ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/interface/use_from_python.py
       $<TARGET_FILE:vok_table_rw_vc>)
+  add_test(NAME interface.code_page_tables
+    COMMAND ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/platform/posix/generate_code_pages.py --check)
   set(check_layers ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/interface/check_layers.py)
   add_test(NAME interface.layers COMMAND ${check_layers} ${PROJECT_SOURCE_DIR})
   add_test(NAME interface.layers_self_test COMMAND ${check_layers} --self-test)
