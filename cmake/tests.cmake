@@ -42,4 +42,8 @@ add_dependencies(vok_tests echo_arguments)
 # Tests are listed when ctest starts, not while building: under Wine a build has no session to run in.
 include(GoogleTest)
 # Parameter values stay out of the names: a structure is shown as its bytes, which hold addresses.
-gtest_discover_tests(vok_tests NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120)
+# Real files are no part of the project; tests that want them are skipped where the folder is missing.
+set(VOK_REAL_FILES ${PROJECT_SOURCE_DIR}/../shared/testdata CACHE PATH
+  "Folder of real sample files, by format, for tests that use them where they are at hand")
+gtest_discover_tests(vok_tests NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
+  PROPERTIES ENVIRONMENT "VOK_REAL_FILES=${VOK_REAL_FILES}")

@@ -99,6 +99,9 @@ bool textModeOutput::open(const std::wstring& path) {
 
 void textModeOutput::write(std::string_view text) {
   if (!isOpen()) return;
+  // WHY: the room for all of it first, so that an allocation failure leaves no half line behind.
+  const auto breaks = static_cast<std::size_t>(std::count(text.begin(), text.end(), lineFeed));
+  buffer_.reserve(buffer_.size() + text.size() + breaks);
   std::size_t start = 0;
   for (std::size_t found = text.find(lineFeed); found != std::string_view::npos;
        found = text.find(lineFeed, start)) {

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <limits>
-#include <string_view>
 #include <utility>
 
 #include "table_rw/text/textConversion.h"
@@ -27,13 +26,12 @@ bool tableWriter_csv::addRow(const std::vector<std::wstring>& row) {
     if (i > 0) line_ += options_.delimiter;
     line_ += row[i];
   }
-  if (line_.size() <= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
-    const std::string bytes =
-        encodeText(line_.data(), static_cast<std::int32_t>(line_.size()), output_.encoding);
-    const std::string_view text = bytes;
-    output_.file.write(text.substr(0, text.find('\0')));
-  }
-  output_.file.write("\n");
+  std::string bytes;
+  if (line_.size() <= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
+    bytes = encodeText(line_.data(), static_cast<std::int32_t>(line_.size()), output_.encoding);
+  if (const std::size_t nul = bytes.find('\0'); nul != std::string::npos) bytes.resize(nul);
+  bytes += '\n';
+  output_.file.write(bytes);
   return true;
 }
 
