@@ -75,12 +75,13 @@ TEST(tableReader_csv, aDelimiterAndAQuoteThatAreNotAscii) {
   EXPECT_EQ(describe(testSupport::readCsvFile(path, options)), "fields a|b  rows x\u00A7y|z  ok");
 }
 
-// One line for every byte above ASCII, in all nineteen encodings.
+// One line for every byte above ASCII, in all nineteen encodings. As many bytes follow as a lead byte may
+// ask for: at the end of a text, emulations of Windows swallow what is left.
 TEST(tableReader_csv, everyByteInEveryEncoding) {
   const temporaryFolder folder;
   std::string bytes = "key;value\n";
   for (int byte = 0x80; byte <= 0xFF; ++byte)
-    bytes += std::to_string(byte) + ";x" + static_cast<char>(byte) + ".\n";
+    bytes += std::to_string(byte) + ";x" + static_cast<char>(byte) + "....\n";
   const std::wstring path = folder.write(L"table.csv", bytes);
   for (std::int32_t encoding = 0; encoding <= 18; ++encoding) {
     const auto content = testSupport::readCsvFile(path, withEncoding(encoding));
@@ -92,13 +93,14 @@ TEST(tableReader_csv, everyByteInEveryEncoding) {
 
     const unsigned page = platform::resolveCodePage(tableRW::codePageOf(encoding));
     if (page == platform::utf8CodePage) {
-      for (const auto& row : content.rows) EXPECT_EQ(row[1], L"x\uFFFD.") << printable(row[0]);
+      for (const auto& row : content.rows) EXPECT_EQ(row[1], L"x\uFFFD....") << printable(row[0]);
     } else if (std::count(std::begin(testSupport::singleByteCodePages),
                           std::end(testSupport::singleByteCodePages), page) > 0) {
       const auto units = testSupport::recordedDecoding(page);
       for (const auto& row : content.rows) {
         const std::size_t byte = std::stoul(row[0]);
-        const std::wstring wanted = {L'x', static_cast<wchar_t>(units[byte]), L'.'};
+        const std::wstring wanted = {L'x', static_cast<wchar_t>(units[byte]), L'.', L'.', L'.',
+                                     L'.'};
         EXPECT_EQ(row[1], wanted) << encoding << ", byte " << byte;
       }
     }
