@@ -17,7 +17,8 @@ file(GLOB vok_database_headers RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS 
 list(APPEND vok_public_headers ${vok_database_headers})
 
 # Not for a host's own use, but tableReader.h holds its table by value.
-list(APPEND vok_public_headers table_rw/core/growingArray.h table_rw/core/valueTable.h)
+list(APPEND vok_public_headers
+  platform/memoryRegion.h table_rw/core/valueTable.h table_rw/text/growingArray.h)
 
 # Those of them that plain C can include.
 set(vok_public_c_headers platform/vok_basic.h platform/vok_export.h table_rw/capi/vo_table_reader.h)

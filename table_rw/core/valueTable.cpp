@@ -21,16 +21,16 @@ std::string_view valueTable::bytes(std::size_t row, std::size_t column) const {
 }
 
 std::wstring valueTable::text(std::size_t row, std::size_t column) const {
-  return wideFromUtf8(bytes(row, column));
+  return wideFromPaddedUtf8(bytes(row, column));
 }
 
 void valueTable::addValue(std::wstring_view text) {
-  char* const start = arena_.room(text.size() * longestUtf8Element);
+  char* const start = arena_.room(text.size() * longestUtf8Element + writeAhead);
   addEnd(static_cast<std::size_t>(narrowToUtf8(text, start) - start));
 }
 
 void valueTable::addValue(std::string_view utf8) {
-  char* const start = arena_.room(utf8.size());
+  char* const start = arena_.room(utf8.size() + writeAhead);
   if (!utf8.empty()) std::memcpy(start, utf8.data(), utf8.size());
   addEnd(utf8.size());
 }

@@ -19,7 +19,7 @@
 #include <string>
 #include <string_view>
 
-#include "table_rw/core/growingArray.h"
+#include "table_rw/text/growingArray.h"
 
 namespace tableRW {
 
@@ -49,6 +49,14 @@ class valueTable {
   /// Appends a value that is already UTF-8.
   void addValue(std::string_view utf8);
 
+  /// Appends a whole row whose values are written straight into the arena. No row may be open.
+  /// @param mostBytes  upper bound of the bytes of all its values
+  /// @param put  called as put(i, to) for each value i in turn: writes its UTF-8 bytes at `to` and answers
+  ///             behind the last; may scribble over writeAhead bytes behind that
+  template <class Put>
+  void addRow(std::size_t values, std::size_t mostBytes, Put put);
+  static constexpr std::size_t writeAhead = 64;
+
   /// Closes the open row: its values become the table's next row.
   void endRow();
 
@@ -64,6 +72,8 @@ class valueTable {
   std::size_t firstValue(std::size_t row) const {
     return ragged_ ? static_cast<std::size_t>(rowStarts_[row]) : row * rowWidth_;
   }
+  template <class Offset, class Put>
+  void fillRow(growingArray<Offset>& ends, std::size_t values, char* to, Put put);
   void addEnd(std::size_t size);
   void widenOffsets();
   void keepRowStarts();
@@ -79,6 +89,29 @@ class valueTable {
   bool longOffsets_ = false;
   bool ragged_ = false;
 };
+
+template <class Offset, class Put>
+void valueTable::fillRow(growingArray<Offset>& ends, std::size_t values, char* to, Put put) {
+  Offset* const end = ends.room(values);
+  const char* const base = arena_.data();
+  for (std::size_t i = 0; i < values; ++i) {
+    to = put(i, to);
+    end[i] = static_cast<Offset>(to - base);
+  }
+  ends.advance(values);
+  arena_.advance(static_cast<std::size_t>(to - base) - arena_.size());
+}
+
+template <class Put>
+void valueTable::addRow(std::size_t values, std::size_t mostBytes, Put put) {
+  char* const to = arena_.room(mostBytes + writeAhead);
+  if (!longOffsets_ && arena_.size() + mostBytes > shortOffsetLimit_) widenOffsets();
+  if (longOffsets_)
+    fillRow(longEnds_, values, to, put);
+  else
+    fillRow(shortEnds_, values, to, put);
+  endRow();
+}
 
 }  // namespace tableRW
 

@@ -26,8 +26,15 @@ char* narrowToUtf8(std::wstring_view text, char* output);
 /// The bytes of a wide string.
 std::string utf8FromWide(std::wstring_view text);
 
+/// True for UTF-8 as the standard has it: no surrogates, no overlong forms, nothing above U+10FFFF.
+bool isValidUtf8(std::string_view bytes);
+
 /// The wide string of bytes that narrowToUtf8 or a valid UTF-8 source made.
 std::wstring wideFromUtf8(std::string_view bytes);
+
+/// The same, faster, for bytes behind which utf8Padding more may be read, whatever they hold.
+std::wstring wideFromPaddedUtf8(std::string_view bytes);
+inline constexpr std::size_t utf8Padding = 16;
 
 }  // namespace tableRW
 

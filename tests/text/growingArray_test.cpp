@@ -1,5 +1,5 @@
 // The sequence behind the table in memory.
-#include "table_rw/core/growingArray.h"
+#include "table_rw/text/growingArray.h"
 
 #include <gtest/gtest.h>
 
