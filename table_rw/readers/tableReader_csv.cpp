@@ -1,7 +1,9 @@
 #include "table_rw/readers/tableReader_csv.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "table_rw/readers/csvBlockParser.h"
 #include "table_rw/text/splitText.h"
 #include "table_rw/text/textFileReader.h"
 
@@ -86,7 +88,13 @@ bool tableReader_csv::readFile() {
   const std::int64_t header = options_.header_position;
   std::wstring line;
   std::vector<std::wstring> values;
+  csvBlockParser fastWay(options_, source.codePage);
   for (std::int64_t number = 0; !source.file.atEnd(); ++number) {
+    if (number > std::max<std::int64_t>(header, 0)) {
+      number = static_cast<std::int64_t>(fastWay.addRecords(
+          source.file, static_cast<std::uint64_t>(number), fieldNames_.size(), rows_, errors_));
+      if (source.file.atEnd()) break;
+    }
     // WHY the result is not asked: the line behind the last LF is a line too, and empty.
     readTextLine(source, line);
     const bool namesFields = number == header || (number == 0 && header < 0);

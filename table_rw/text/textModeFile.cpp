@@ -7,7 +7,7 @@ namespace tableRW {
 namespace {
 
 constexpr std::size_t blockSize = std::size_t{256} * 1024;
-constexpr std::size_t outputBufferSize = std::size_t{64} * 1024;
+constexpr std::size_t outputBufferSize = std::size_t{256} * 1024;
 constexpr char carriageReturn = '\r';
 constexpr char lineFeed = '\n';
 constexpr char controlZ = '\x1A';
@@ -40,51 +40,50 @@ bool textModeInput::open(const std::wstring& path) {
 
 void textModeInput::close() {
   file_.close();
-  std::vector<char>().swap(block_);
-  next_ = end_ = 0;
+  growingArray<char>().swap(block_);
+  next_ = 0;
   carriedCr_ = exhausted_ = atEnd_ = false;
 }
 
-bool textModeInput::fillBlock() {
-  if (exhausted_ || !file_.isOpen()) return false;
-  block_.resize(blockSize + 1);
-  next_ = end_ = 0;
-  while (end_ == 0 && !exhausted_) {
-    const std::size_t carried = carriedCr_ ? 1 : 0;
-    if (carriedCr_) block_[0] = carriageReturn;
+bool textModeInput::fillMore() {
+  block_.dropFront(next_);
+  next_ = 0;
+  const std::size_t before = block_.size();
+  while (block_.size() == before && !exhausted_ && file_.isOpen()) {
+    char* const start = block_.room(1 + blockSize + readAhead);
+    std::size_t size = 0;
+    if (carriedCr_) start[size++] = carriageReturn;
     carriedCr_ = false;
-    std::size_t size = file_.read(block_.data() + carried, blockSize);
-    if (size == 0) exhausted_ = true;
-    size += carried;
-    if (const void* stop = std::memchr(block_.data(), controlZ, size)) {
-      size = static_cast<std::size_t>(static_cast<const char*>(stop) - block_.data());
+    const std::size_t got = file_.read(start + size, blockSize);
+    if (got == 0) exhausted_ = true;
+    size += got;
+    if (const void* stop = std::memchr(start, controlZ, size)) {
+      size = static_cast<std::size_t>(static_cast<const char*>(stop) - start);
       exhausted_ = true;
     }
-    if (!exhausted_ && size > 0 && block_[size - 1] == carriageReturn) {
+    if (!exhausted_ && start[size - 1] == carriageReturn) {
       carriedCr_ = true;
       --size;
     }
-    end_ = foldLineEnds(block_.data(), size);
+    block_.advance(foldLineEnds(start, size));
   }
-  return end_ > 0;
+  return block_.size() > before;
 }
 
 std::size_t textModeInput::getChunk(char* buffer, std::size_t capacity) {
   std::size_t got = 0;
   while (got < capacity) {
-    if (next_ == end_ && !fillBlock()) {
+    if (next_ == block_.size() && !fillMore()) {
       atEnd_ = true;
       break;
     }
-    const char* const from = block_.data() + next_;
-    std::size_t size = std::min(end_ - next_, capacity - got);
-    const void* const found = std::memchr(from, lineFeed, size);
-    if (found != nullptr)
-      size = static_cast<std::size_t>(static_cast<const char*>(found) - from) + 1;
-    std::memcpy(buffer + got, from, size);
+    const std::string_view ready = buffered().substr(0, capacity - got);
+    const std::size_t found = ready.find(lineFeed);
+    const std::size_t size = found == std::string_view::npos ? ready.size() : found + 1;
+    std::memcpy(buffer + got, ready.data(), size);
     got += size;
-    next_ += size;
-    if (found != nullptr) break;
+    skip(size);
+    if (found != std::string_view::npos) break;
   }
   return got;
 }

@@ -11,9 +11,9 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/files.h"
+#include "table_rw/text/growingArray.h"
 
 namespace tableRW {
 
@@ -30,19 +30,28 @@ class textModeInput {
   /// @return bytes read; 0 at the end of the file
   std::size_t getChunk(char* buffer, std::size_t capacity);
 
+  /// The bytes that lie ready, line ends folded. At least `readAhead` bytes behind them may be read too,
+  /// whatever they hold. Valid until the next call of anything else here.
+  std::string_view buffered() const { return {block_.data() + next_, block_.size() - next_}; }
+  static constexpr std::size_t readAhead = 64;
+
+  /// Adds the next block of the file behind the bytes that lie ready.
+  /// @return false at the end of the file
+  bool fillMore();
+
+  /// Takes `count` of the bytes that lie ready.
+  void skip(std::size_t count) { next_ += count; }
+
   /// Whether a read has met the end of the file, as the C function feof tells it: after a last line
   /// that ends in LF only the next read does.
   bool atEnd() const { return atEnd_; }
 
  private:
-  bool fillBlock();
-
   platform::binaryFile file_;
-  std::vector<char> block_;  // folded bytes; one byte in front is kept for a CR carried over
-  std::size_t next_ = 0;     // first byte not yet handed out
-  std::size_t end_ = 0;      // behind the last folded byte
-  bool carriedCr_ = false;   // the last byte read was a CR, whose next byte is not known yet
-  bool exhausted_ = false;   // nothing more is to be read from the file
+  growingArray<char> block_;  // folded bytes
+  std::size_t next_ = 0;      // first byte not yet handed out
+  bool carriedCr_ = false;    // the last byte read was a CR, whose next byte is not known yet
+  bool exhausted_ = false;    // nothing more is to be read from the file
   bool atEnd_ = false;
 };
 

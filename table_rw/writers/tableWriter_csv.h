@@ -9,8 +9,10 @@
 #define VOK_TABLE_RW_WRITERS_TABLEWRITER_CSV_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "table_rw/text/singleByteEncoder.h"
 #include "table_rw/text/textEncoding.h"
 #include "table_rw/text/textModeFile.h"
 #include "table_rw/writers/tableWriter.h"
@@ -35,9 +37,13 @@ class tableWriter_csv : public tableWriter {
     textEncoding encoding = encodingCp1251;
   };
 
+  std::string_view encodeLine(const std::vector<std::wstring>& row);
+
   tableWriterOptions options_;
   textFileWriter output_;
-  std::wstring line_;  // reused from row to row
+  singleByteEncoder encoder_;
+  std::string delimiter_;  // in the file's code page
+  std::string line_;       // reused from row to row
 };
 
 }  // namespace tableRW

@@ -1,0 +1,46 @@
+#include "table_rw/text/singleByteEncoder.h"
+
+#include <cstdint>
+#include <utility>
+
+#include "platform/codePages.h"
+
+namespace tableRW {
+namespace {
+
+constexpr std::uint32_t elementBits = sizeof(wchar_t) == 2 ? 0xFFFF : 0xFFFFFFFF;
+
+}  // namespace
+
+const singleByteEncoder::page& singleByteEncoder::makePage(unsigned number) {
+  auto made = std::make_unique<page>();
+  for (unsigned i = 0; i < pageSize; ++i) {
+    const auto unit = static_cast<wchar_t>(number * pageSize + i);
+    char byte = '?';
+    platform::encodeCodePage(codePage_, &unit, 1, &byte, 1);
+    (*made)[i] = byte;
+  }
+  pages_[number] = std::move(made);
+  return *pages_[number];
+}
+
+char* singleByteEncoder::encode(std::wstring_view text, char* to) {
+  unsigned current = 0;
+  const page* known = &pageOf(0);
+  for (const wchar_t element : text) {
+    const auto code = static_cast<std::uint32_t>(element) & elementBits;
+    if (code / pageSize != current) {
+      if (code > 0xFFFF) {
+        *to++ = '?';
+        if (code <= 0x10FFFF) *to++ = '?';
+        continue;
+      }
+      current = code / pageSize;
+      known = &pageOf(current);
+    }
+    *to++ = (*known)[code % pageSize];
+  }
+  return to;
+}
+
+}  // namespace tableRW

@@ -1,0 +1,40 @@
+// Wide text to a single-byte code page by table, for writers: what encodeText answers, one look-up a
+// character. The table is asked from the platform page by page of the BMP, when a page is first met.
+//
+// One object belongs to one thread at a time. Nothing fails but allocation.
+#ifndef VOK_TABLE_RW_TEXT_SINGLEBYTEENCODER_H
+#define VOK_TABLE_RW_TEXT_SINGLEBYTEENCODER_H
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <string_view>
+
+namespace tableRW {
+
+class singleByteEncoder {
+ public:
+  /// @param codePage  one in which every character of the BMP is one byte, its substitution included
+  explicit singleByteEncoder(unsigned codePage) : codePage_(codePage) {}
+
+  /// Writes the bytes of `text`, at most mostBytes for each element. A character beyond the BMP is two
+  /// units, each of them substituted. @return behind the last byte
+  char* encode(std::wstring_view text, char* to);
+  static constexpr std::size_t mostBytes = 2;
+
+ private:
+  static constexpr unsigned pageSize = 256;
+  using page = std::array<char, pageSize>;
+
+  const page& pageOf(unsigned number) {
+    return pages_[number] != nullptr ? *pages_[number] : makePage(number);
+  }
+  const page& makePage(unsigned number);
+
+  unsigned codePage_;
+  std::array<std::unique_ptr<page>, 256> pages_;
+};
+
+}  // namespace tableRW
+
+#endif
