@@ -6,7 +6,6 @@
 namespace tableRW {
 namespace {
 
-constexpr std::size_t blockSize = std::size_t{256} * 1024;
 constexpr std::size_t outputBufferSize = std::size_t{256} * 1024;
 constexpr char carriageReturn = '\r';
 constexpr char lineFeed = '\n';
@@ -50,11 +49,11 @@ bool textModeInput::fillMore() {
   next_ = 0;
   const std::size_t before = block_.size();
   while (block_.size() == before && !exhausted_ && file_.isOpen()) {
-    char* const start = block_.room(1 + blockSize + readAhead);
+    char* const start = block_.room(1 + blockSize_ + readAhead);
     std::size_t size = 0;
     if (carriedCr_) start[size++] = carriageReturn;
     carriedCr_ = false;
-    const std::size_t got = file_.read(start + size, blockSize);
+    const std::size_t got = file_.read(start + size, blockSize_);
     if (got == 0) exhausted_ = true;
     size += got;
     if (const void* stop = std::memchr(start, controlZ, size)) {

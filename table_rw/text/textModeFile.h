@@ -20,6 +20,9 @@ namespace tableRW {
 /// A file that is read in text mode, in blocks.
 class textModeInput {
  public:
+  /// @param blockSize  bytes asked of the file at a time; tests choose small ones
+  explicit textModeInput(std::size_t blockSize = std::size_t{256} * 1024) : blockSize_(blockSize) {}
+
   /// Opens a file at its start; one already open here is closed first.
   bool open(const std::wstring& path);
   bool isOpen() const { return file_.isOpen(); }
@@ -47,6 +50,7 @@ class textModeInput {
   bool atEnd() const { return atEnd_; }
 
  private:
+  std::size_t blockSize_;
   platform::binaryFile file_;
   growingArray<char> block_;  // folded bytes
   std::size_t next_ = 0;      // first byte not yet handed out
