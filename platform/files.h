@@ -26,7 +26,18 @@ bool folderExists(const std::wstring& path);
 /// Deletes one file. @return false when it does not exist, is a folder or cannot be deleted
 bool removeFile(const std::wstring& path);
 
-/// Moves a file within one volume; a file already at the target is replaced in one step.
+/// True when both paths lead to one existing file or folder, by the same name or another (a link).
+bool isSameFile(const std::wstring& first, const std::wstring& second);
+
+/// True for a symbolic link, wherever it leads; on Windows for every reparse point.
+bool isLink(const std::wstring& path);
+
+/// True for a pipe, a socket or a device: its bytes can be read once, and opening it may wait for ever.
+bool isPipeOrDevice(const std::wstring& path);
+
+/// Moves a file within one volume; a file already at the target is replaced in one step. The new file
+/// takes over who may read and write the old one (on Windows the folder decides that).
+/// @return false also when the old file is read-only; nothing is moved then
 bool replaceFile(const std::wstring& from, const std::wstring& to);
 
 /// Creates one folder level. @return false when it already exists or its parent is missing

@@ -7,7 +7,7 @@
 #include <limits>
 #include <string>
 
-#include "tools/filePaths.h"
+#include "platform/files.h"
 #include "tools/formats.h"
 #include "tools/tableDrawing.h"
 #include "tools/text.h"
@@ -98,7 +98,7 @@ exitCode listRejectedLines(const commandLine& request, toolContext& context) {
   readerPointer reader;
   const exitCode opened = openSource(request.reading, context, reader);
   if (!reader) return opened;
-  if (isPipeOrDevice(reader->path())) {
+  if (platform::isPipeOrDevice(reader->path())) {
     context.messages.error(fmt::format(
         "{} can be read only once, and listing its rejected lines takes two: save it to a file",
         request.reading.file));

@@ -6,6 +6,7 @@
 // target's name in one step. Whatever fails, the temporary file goes and the old target stays.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,8 +17,8 @@
 #include "table_rw/writers/tableWriter.h"
 #include "tools/commands.h"
 #include "tools/csvLimits.h"
-#include "tools/filePaths.h"
 #include "tools/formats.h"
+#include "tools/interruption.h"
 #include "tools/progress.h"
 #include "tools/targetFile.h"
 #include "tools/text.h"
@@ -36,6 +37,10 @@ struct losses {
   void add(std::string_view place, const std::wstring& field, std::string_view reason) {
     if (++count <= lossesShown)
       shown.push_back(fmt::format("{}, field {}: {}", place, inQuotes(toUtf8(field)), reason));
+  }
+
+  void add(std::string_view place, std::string_view reason) {
+    if (++count <= lossesShown) shown.push_back(fmt::format("{}: {}", place, reason));
   }
 
   void explain(const messageWriter& messages) const {
@@ -113,7 +118,10 @@ class conversion {
     examine("the header");
     for (std::size_t number = 0; number < reader_.count(); ++number) {
       reader_.getRow(number, row);
-      examine(fmt::format("row {}", grouped(number + 1)));
+      const std::string place = fmt::format("row {}", grouped(number + 1));
+      examine(place);
+      if (std::all_of(row.begin(), row.end(), [](const auto& value) { return value.empty(); }))
+        losses_.add(place, "holds empty values only, and is skipped when it is read");
     }
     expectedSize_ = size;
   }
@@ -128,8 +136,13 @@ class conversion {
     }
     progressLine progress(messages_, fmt::format("writing {}", request_.target));
     std::vector<std::wstring> row;
+    const interruption interrupted;
     for (std::size_t number = 0; number < reader_.count(); ++number) {
       if (number % rowsBetweenReports == 0) progress.advance(number, reader_.count());
+      if (interrupted.isAskedFor()) {
+        messages_.error(fmt::format("interrupted: {} was not written", request_.target));
+        return false;
+      }
       reader_.getRow(number, row);
       writer->addRow(row);
     }
@@ -176,7 +189,7 @@ exitCode checkTarget(const commandLine& request, const messageWriter& messages) 
         "or a character outside Windows-1251");
     return exitCode::usage;
   }
-  if (isSameFile(toWide(request.reading.file), target)) {
+  if (platform::isSameFile(toWide(request.reading.file), target)) {
     messages.error(fmt::format("{} is both the source and the target: name another target", name));
     return exitCode::usage;
   }
@@ -191,7 +204,7 @@ exitCode checkTarget(const commandLine& request, const messageWriter& messages) 
   }
   // The new file takes the place of what bears the name: not of a link's target, and not of a
   // device, which other programs of this machine would miss.
-  if (isLink(target) || isPipeOrDevice(target)) {
+  if (platform::isLink(target) || platform::isPipeOrDevice(target)) {
     messages.error(
         fmt::format("cannot write {}: it is a link, a pipe or a device; name a file", name));
     return exitCode::writeFailed;

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "platform/files.h"
-#include "tools/filePaths.h"
 #include "tools/formats.h"
 #include "tools/text.h"
 
@@ -49,7 +48,7 @@ bool hasUndecodedText(const tableRW::tableReader& reader) {
 
 std::string firstBytes(const std::wstring& path, std::size_t count) {
   platform::binaryFile file;
-  if (isPipeOrDevice(path) || !file.openForReading(path)) return {};
+  if (platform::isPipeOrDevice(path) || !file.openForReading(path)) return {};
   std::string bytes(count, '\0');
   bytes.resize(file.read(bytes.data(), bytes.size()));
   return bytes;
@@ -101,7 +100,7 @@ void hintAtDelimiter(tableRW::tableReader& reader, const tableRW::tableReaderOpt
   if (!mostRejected && reader.fieldCount() != 1) return;
 
   tableRW::rejectedRecord first;
-  if (mostRejected && !isPipeOrDevice(options.path)) {
+  if (mostRejected && !platform::isPipeOrDevice(options.path)) {
     reader.rejectedRecords([&first](const tableRW::rejectedRecord& record) {
       first = record;
       return false;

@@ -121,7 +121,13 @@ bool isDelimitedText(std::int32_t fileType, const std::wstring& path) {
   return found == nullptr || found->type == fileTypeCsv;
 }
 
-bool isWritable(const std::wstring& path) { return isWritten(writtenExtension(path)); }
+// WHY not the writer alone: it writes delimited text under every extension that it does not know, also
+// under one by which the table would be read back as something else.
+bool isWritable(const std::wstring& path) {
+  const std::wstring extension = writtenExtension(path);
+  const format* const read = extension.empty() ? nullptr : formatOfPath(L"." + extension);
+  return (read == nullptr || *read->written != '\0') && isWritten(extension);
+}
 
 bool isWrittenAsDelimitedText(const std::wstring& path) {
   const std::wstring extension = writtenExtension(path);

@@ -72,17 +72,20 @@ bool readPositions(const readingArguments& arguments, tableRW::tableReaderOption
   return false;
 }
 
-/// A word as a shell takes it for one.
+/// A word as a shell takes it for one, and nothing in it as a command.
 std::string shellWord(const std::string& word) {
+  constexpr bool onWindows = sizeof(wchar_t) == 2;  // where a name holds no double quote
   constexpr std::string_view harmless =
       "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-+=./:,@%";
   const bool plain = !word.empty() && std::all_of(word.begin(), word.end(), [&](char character) {
-    return static_cast<unsigned char>(character) >= 0x80 ||
+    return static_cast<unsigned char>(character) >= 0x80 || (onWindows && character == '\\') ||
            harmless.find(character) != std::string_view::npos;
   });
   if (plain) return word;
-  const char mark = word.find('"') == std::string::npos ? '"' : '\'';
-  return mark + word + mark;
+  if (onWindows || word.find_first_of("$`\\!\"") == std::string::npos) return inQuotes(word);
+  std::string quoted = "'";
+  for (const char c : word) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
 }
 
 }  // namespace

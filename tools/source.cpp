@@ -5,7 +5,6 @@
 #include <optional>
 
 #include "platform/files.h"
-#include "tools/filePaths.h"
 #include "tools/formats.h"
 #include "tools/progress.h"
 #include "tools/text.h"
@@ -65,7 +64,11 @@ exitCode openSource(const readingArguments& arguments, toolContext& context,
   // The automatic choice looks into a file of an unknown kind, and would take a pipe's begin away.
   const bool looksInside =
       options->file_type == tableRW::fileTypeAuto && !isChosenByExtension(options->path);
-  if (looksInside && isPipeOrDevice(options->path)) options->file_type = tableRW::fileTypeCsv;
+  if (looksInside && platform::isPipeOrDevice(options->path))
+    options->file_type = tableRW::fileTypeCsv;
+  if (!platform::isPipeOrDevice(options->path) &&
+      explainUnreadable(options->path, context.messages))
+    return exitCode::cannotOpen;
   readerPointer opened(tableRW::tableReader::open(*options));
   if (opened->path().empty()) return explainNothingReads(*options, context.messages);
   reader = std::move(opened);

@@ -41,8 +41,35 @@ bool folderExists(const std::wstring& path) {
 
 bool removeFile(const std::wstring& path) { return ::unlink(nativePath(path).c_str()) == 0; }
 
+bool isSameFile(const std::wstring& first, const std::wstring& second) {
+  struct stat one;
+  struct stat other;
+  return ::stat(nativePath(first).c_str(), &one) == 0 &&
+         ::stat(nativePath(second).c_str(), &other) == 0 && one.st_dev == other.st_dev &&
+         one.st_ino == other.st_ino;
+}
+
+bool isLink(const std::wstring& path) {
+  struct stat attributes;
+  return ::lstat(nativePath(path).c_str(), &attributes) == 0 && S_ISLNK(attributes.st_mode);
+}
+
+bool isPipeOrDevice(const std::wstring& path) {
+  struct stat attributes;
+  return ::stat(nativePath(path).c_str(), &attributes) == 0 && !S_ISREG(attributes.st_mode) &&
+         !S_ISDIR(attributes.st_mode);
+}
+
 bool replaceFile(const std::wstring& from, const std::wstring& to) {
-  return std::rename(nativePath(from).c_str(), nativePath(to).c_str()) == 0;
+  const std::string source = nativePath(from);
+  const std::string target = nativePath(to);
+  struct stat old;
+  if (::stat(target.c_str(), &old) == 0) {
+    // The kernel asks the folder alone, and would give the new file's permissions to everybody.
+    if (::access(target.c_str(), W_OK) != 0) return false;
+    if (S_ISREG(old.st_mode) && ::chmod(source.c_str(), old.st_mode & 07777) != 0) return false;
+  }
+  return std::rename(source.c_str(), target.c_str()) == 0;
 }
 
 bool createFolder(const std::wstring& path) { return ::mkdir(nativePath(path).c_str(), 0777) == 0; }

@@ -12,6 +12,24 @@ constexpr std::size_t largestTransfer = std::size_t{1} << 30;  // one call takes
 
 HANDLE asHandle(std::intptr_t handle) { return reinterpret_cast<HANDLE>(handle); }
 
+// A file or folder opened without access, only to be asked what it is.
+class openedForQuestions {
+ public:
+  explicit openedForQuestions(const std::wstring& path)
+      : handle_(CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                            nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr)) {}
+  openedForQuestions(const openedForQuestions&) = delete;
+  openedForQuestions& operator=(const openedForQuestions&) = delete;
+  ~openedForQuestions() {
+    if (handle_ != INVALID_HANDLE_VALUE) CloseHandle(handle_);
+  }
+
+  HANDLE handle() const { return handle_; }
+
+ private:
+  HANDLE handle_;
+};
+
 }  // namespace
 
 bool fileExists(const std::wstring& path) {
@@ -26,6 +44,28 @@ bool folderExists(const std::wstring& path) {
 }
 
 bool removeFile(const std::wstring& path) { return DeleteFileW(path.c_str()) != 0; }
+
+bool isSameFile(const std::wstring& first, const std::wstring& second) {
+  const openedForQuestions one(first);
+  const openedForQuestions other(second);
+  BY_HANDLE_FILE_INFORMATION ofOne;
+  BY_HANDLE_FILE_INFORMATION ofOther;
+  return GetFileInformationByHandle(one.handle(), &ofOne) != 0 &&
+         GetFileInformationByHandle(other.handle(), &ofOther) != 0 &&
+         ofOne.dwVolumeSerialNumber == ofOther.dwVolumeSerialNumber &&
+         ofOne.nFileIndexHigh == ofOther.nFileIndexHigh &&
+         ofOne.nFileIndexLow == ofOther.nFileIndexLow;
+}
+
+bool isLink(const std::wstring& path) {
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
+bool isPipeOrDevice(const std::wstring& path) {
+  const openedForQuestions file(path);
+  return file.handle() != INVALID_HANDLE_VALUE && GetFileType(file.handle()) != FILE_TYPE_DISK;
+}
 
 bool replaceFile(const std::wstring& from, const std::wstring& to) {
   return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;

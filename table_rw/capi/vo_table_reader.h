@@ -48,7 +48,7 @@ VOK_API void vo_table_reader_options_close(vo_table_reader_options* options);
 VOK_API void vo_table_reader_options_set_path(vo_table_reader_options* options,
                                               const wchar_t* path);
 
-/* Line of the field names; negative: there is none, and the fields are called field_0, field_1... */
+/* Line of the field names; -1: there is none, and the fields are called field_0, field_1... */
 VOK_API void vo_table_reader_options_set_header_position(vo_table_reader_options* options,
                                                          int32_t position);
 

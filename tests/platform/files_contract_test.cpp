@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <utility>
 
@@ -296,6 +297,55 @@ TEST_F(files, removing) {
   EXPECT_FALSE(platform::removeFile(folder_.file(L"file"))) << "already gone";
   EXPECT_FALSE(platform::removeFile(folder_.file(L"folder")));
   EXPECT_TRUE(platform::folderExists(folder_.file(L"folder")));
+}
+
+TEST_F(files, oneFileHasManyNames) {
+  writeFile(folder_.file(L"one"), "1");
+  writeFile(folder_.file(L"other"), "1");
+  ASSERT_TRUE(platform::createFolder(folder_.file(L"folder")));
+  EXPECT_TRUE(platform::isSameFile(folder_.file(L"one"), folder_.file(L"one")));
+  EXPECT_TRUE(platform::isSameFile(folder_.file(L"one"), folder_.file(L"folder/../one")));
+  EXPECT_TRUE(platform::isSameFile(folder_.file(L"one"), folder_.file(L"folder\\..\\one")));
+  EXPECT_FALSE(platform::isSameFile(folder_.file(L"one"), folder_.file(L"other")));
+  EXPECT_FALSE(platform::isSameFile(folder_.file(L"one"), folder_.file(L"missing")));
+  EXPECT_FALSE(platform::isSameFile(folder_.file(L"missing"), folder_.file(L"missing")));
+  EXPECT_TRUE(platform::isSameFile(folder_.path(), folder_.file(L"folder/..")));
+}
+
+TEST_F(files, filesAndFoldersAreNoLinksAndNoDevices) {
+  writeFile(folder_.file(L"file"), "1");
+  ASSERT_TRUE(platform::createFolder(folder_.file(L"folder")));
+  for (const wchar_t* const name : {L"file", L"folder", L"missing"}) {
+    EXPECT_FALSE(platform::isLink(folder_.file(name)));
+    EXPECT_FALSE(platform::isPipeOrDevice(folder_.file(name)));
+  }
+}
+
+TEST_F(files, linksAndDevicesAreKnown) {
+  if (testSupport::onWindows)
+    GTEST_SKIP() << "links need a right there, and devices have other names";
+  writeFile(folder_.file(L"file"), "1");
+  const std::filesystem::path folder(folder_.path());
+  std::filesystem::create_symlink("file", folder / "link");
+  std::filesystem::create_symlink("nowhere", folder / "loose");
+  EXPECT_TRUE(platform::isLink(folder_.file(L"link")));
+  EXPECT_TRUE(platform::isLink(folder_.file(L"loose")));
+  EXPECT_TRUE(platform::isSameFile(folder_.file(L"link"), folder_.file(L"file")));
+  EXPECT_FALSE(platform::isPipeOrDevice(folder_.file(L"link")));
+  EXPECT_TRUE(platform::isPipeOrDevice(L"/dev/null"));
+}
+
+TEST_F(files, aReplacedFileKeepsItsPermissions) {
+  if (testSupport::onWindows) GTEST_SKIP() << "permissions are the folder's there";
+  namespace fs = std::filesystem;
+  writeFile(folder_.file(L"to"), "private");
+  writeFile(folder_.file(L"from"), "new");
+  const fs::path target = fs::path(folder_.path()) / "to";
+  const fs::perms mine = fs::perms::owner_read | fs::perms::owner_write;
+  fs::permissions(target, mine);
+  EXPECT_TRUE(platform::replaceFile(folder_.file(L"from"), folder_.file(L"to")));
+  EXPECT_EQ(fs::status(target).permissions(), mine);
+  EXPECT_EQ(readFile(folder_.file(L"to")), "new");
 }
 
 TEST_F(files, replacing) {

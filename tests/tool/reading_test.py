@@ -5,7 +5,8 @@ import sys
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
-from tool_cases import Case, CaseTest, Settings, cases, main, run_tool  # noqa: E402
+from tool_cases import (Case, CaseTest, Settings, cases, main, run_tool,  # noqa: E402
+                        skip_for_windows)
 
 AB = {"t.csv": "a;b\n1;2\n3;4\n"}
 REJECTED = {"t.csv": "a;b\n1;2\n\n3\n4;5;6\n7;8\n"}
@@ -71,6 +72,14 @@ class Commands(CaseTest):
          files={"t.csv": b"a;b\n1;2\n\x1a"}),
 )
 class Errors(CaseTest):
+    @skip_for_windows("such names are none there")
+    def test_the_named_command_runs_nothing_but_the_tool(self):
+        for name, word in (("$(touch x).csv", "'$(touch x).csv'"), ("`a`.csv", "'`a`.csv'"),
+                           ("it's \"q\".csv", "'it'\\''s \"q\".csv'")):
+            self.write({name: "a;b\n1\n"})
+            run = run_tool("count", name, cwd=self.folder)
+            self.assertIn(f"see: vok_table errors {word}\n", run.err)
+
     def test_the_named_command_reads_with_the_same_options(self):
         self.write({"my wells.txt": "note\na\tb\n1\n2\t3\n"})
         options = ["--delimiter", "tab", "--header-row", "2", "--quote", "'", "--type", "csv",
