@@ -9,6 +9,20 @@ namespace tableRW {
 namespace {
 
 constexpr std::uint32_t elementBits = sizeof(wchar_t) == 2 ? 0xFFFF : 0xFFFFFFFF;
+constexpr std::size_t asciiStep = 4;
+
+// Moves whole steps of ASCII from the front of the text; in every such page they are the same bytes.
+char* moveAscii(std::wstring_view& text, char* to) {
+  while (text.size() >= asciiStep) {
+    std::uint32_t all = 0;
+    for (std::size_t i = 0; i < asciiStep; ++i) all |= static_cast<std::uint32_t>(text[i]);
+    if ((all & elementBits) >= 0x80) break;
+    for (std::size_t i = 0; i < asciiStep; ++i) to[i] = static_cast<char>(text[i]);
+    to += asciiStep;
+    text.remove_prefix(asciiStep);
+  }
+  return to;
+}
 
 }  // namespace
 
@@ -25,6 +39,8 @@ const singleByteEncoder::page& singleByteEncoder::makePage(unsigned number) {
 }
 
 char* singleByteEncoder::encode(std::wstring_view text, char* to) {
+  to = moveAscii(text, to);
+  if (text.empty()) return to;
   unsigned current = 0;
   const page* known = &pageOf(0);
   for (const wchar_t element : text) {

@@ -1,6 +1,5 @@
 #include "table_rw/text/textModeFile.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace tableRW {
@@ -98,8 +97,7 @@ bool textModeOutput::open(const std::wstring& path) {
 void textModeOutput::write(std::string_view text) {
   if (!isOpen()) return;
   // WHY: the room for all of it first, so that an allocation failure leaves no half line behind.
-  const auto breaks = static_cast<std::size_t>(std::count(text.begin(), text.end(), lineFeed));
-  buffer_.reserve(buffer_.size() + text.size() + breaks);
+  buffer_.reserve(buffer_.size() + 2 * text.size());
   std::size_t start = 0;
   for (std::size_t found = text.find(lineFeed); found != std::string_view::npos;
        found = text.find(lineFeed, start)) {
