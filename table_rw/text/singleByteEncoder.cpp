@@ -11,7 +11,7 @@ namespace {
 constexpr std::uint32_t elementBits = sizeof(wchar_t) == 2 ? 0xFFFF : 0xFFFFFFFF;
 constexpr std::size_t asciiStep = 4;
 
-// Moves whole steps of ASCII from the front of the text; in every such page they are the same bytes.
+// Moves ASCII from the front of the text, in steps first; in every such page it is the same bytes.
 char* moveAscii(std::wstring_view& text, char* to) {
   while (text.size() >= asciiStep) {
     std::uint32_t all = 0;
@@ -20,6 +20,10 @@ char* moveAscii(std::wstring_view& text, char* to) {
     for (std::size_t i = 0; i < asciiStep; ++i) to[i] = static_cast<char>(text[i]);
     to += asciiStep;
     text.remove_prefix(asciiStep);
+  }
+  while (!text.empty() && (static_cast<std::uint32_t>(text.front()) & elementBits) < 0x80) {
+    *to++ = static_cast<char>(text.front());
+    text.remove_prefix(1);
   }
   return to;
 }
