@@ -130,19 +130,20 @@ def own_peak():
 # A virtual machine hands free memory back to its host after a second or two, and gets it back page by page
 # when it is touched again, at several times the cost of the work measured here. So every program starts
 # right after another has touched this much memory, in huge pages, and gone.
-TOUCHED_MEGABYTES = 1200
-TOUCH_MEMORY = f"b'x' * ({TOUCHED_MEGABYTES} << 20)"
+LEAST_TOUCHED_MEGABYTES = 1200
+TOUCHED_PER_MEGABYTE = 2  # of the data
 
 
-def touch_memory():
-    subprocess.run([sys.executable, "-c", TOUCH_MEMORY], check=False,
+def touch_memory(program):
+    megabytes = LEAST_TOUCHED_MEGABYTES + TOUCHED_PER_MEGABYTE * program.data.megabytes
+    subprocess.run([sys.executable, "-c", f"b'x' * ({megabytes} << 20)"], check=False,
                    env={**os.environ, "GLIBC_TUNABLES": "glibc.malloc.hugetlb=1"})
 
 
 def run_once(program):
     """@return exit code, standard output, standard error, peak memory in bytes"""
     environment = {**os.environ, **program.environment}
-    touch_memory()
+    touch_memory(program)
     process = subprocess.Popen(program.command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                stderr=subprocess.STDOUT, env=environment, text=True)
     output = process.stdout.read()
