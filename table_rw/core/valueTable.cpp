@@ -8,18 +8,6 @@ namespace tableRW {
 
 void valueTable::clear() { *this = valueTable(shortOffsetLimit_); }
 
-std::size_t valueTable::rowSize(std::size_t row) const {
-  if (row >= rowCount_) return 0;
-  return ragged_ ? static_cast<std::size_t>(rowStarts_[row + 1] - rowStarts_[row]) : rowWidth_;
-}
-
-std::string_view valueTable::bytes(std::size_t row, std::size_t column) const {
-  if (column >= rowSize(row)) return {};
-  const std::size_t value = firstValue(row) + column;
-  const std::uint64_t start = startOf(value);
-  return {arena_.data() + start, static_cast<std::size_t>(endOf(value) - start)};
-}
-
 std::wstring valueTable::text(std::size_t row, std::size_t column) const {
   return wideFromPaddedUtf8(bytes(row, column));
 }

@@ -113,6 +113,18 @@ void valueTable::addRow(std::size_t values, std::size_t mostBytes, Put put) {
   endRow();
 }
 
+inline std::size_t valueTable::rowSize(std::size_t row) const {
+  if (row >= rowCount_) return 0;
+  return ragged_ ? static_cast<std::size_t>(rowStarts_[row + 1] - rowStarts_[row]) : rowWidth_;
+}
+
+inline std::string_view valueTable::bytes(std::size_t row, std::size_t column) const {
+  if (column >= rowSize(row)) return {};
+  const std::size_t value = firstValue(row) + column;
+  const std::uint64_t start = startOf(value);
+  return {arena_.data() + start, static_cast<std::size_t>(endOf(value) - start)};
+}
+
 }  // namespace tableRW
 
 #endif

@@ -1,31 +1,20 @@
 #include "table_rw/text/singleByteEncoder.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 
 #include "platform/codePages.h"
+#include "table_rw/text/asciiSteps.h"
 
 namespace tableRW {
 namespace {
 
 constexpr std::uint32_t elementBits = sizeof(wchar_t) == 2 ? 0xFFFF : 0xFFFFFFFF;
-constexpr std::size_t asciiStep = 4;
+constexpr std::ptrdiff_t step = 4;
 
-// Moves ASCII from the front of the text, in steps first; in every such page it is the same bytes.
-char* moveAscii(std::wstring_view& text, char* to) {
-  while (text.size() >= asciiStep) {
-    std::uint32_t all = 0;
-    for (std::size_t i = 0; i < asciiStep; ++i) all |= static_cast<std::uint32_t>(text[i]);
-    if ((all & elementBits) >= 0x80) break;
-    for (std::size_t i = 0; i < asciiStep; ++i) to[i] = static_cast<char>(text[i]);
-    to += asciiStep;
-    text.remove_prefix(asciiStep);
-  }
-  while (!text.empty() && (static_cast<std::uint32_t>(text.front()) & elementBits) < 0x80) {
-    *to++ = static_cast<char>(text.front());
-    text.remove_prefix(1);
-  }
-  return to;
+void store(char* to, std::uint32_t bytes) {
+  for (int i = 0; i < step; ++i) to[i] = static_cast<char>(bytes >> (8 * i) & 0xFF);
 }
 
 }  // namespace
@@ -42,13 +31,35 @@ const singleByteEncoder::page& singleByteEncoder::makePage(unsigned number) {
   return *pages_[number];
 }
 
-char* singleByteEncoder::encode(std::wstring_view text, char* to) {
-  to = moveAscii(text, to);
-  if (text.empty()) return to;
+encodedText singleByteEncoder::encode(std::wstring_view text, char* to) {
+  const wchar_t* from = text.data();
+  const wchar_t* const end = from + text.size();
+  bool control = false;
+  while (end - from >= step) {
+    const fourBytes four = narrowFour(from);
+    if (!four.ascii) return encodeByTable(from, end, to, control);
+    store(to, four.bytes);
+    control = control || hasControl(four.bytes);
+    from += step;
+    to += step;
+  }
+  // The rest of ASCII text goes with the last four characters, some of them for the second time.
+  if (from != end && text.size() >= static_cast<std::size_t>(step)) {
+    const fourBytes four = narrowFour(end - step);
+    if (!four.ascii) return encodeByTable(from, end, to, control);
+    to += end - from;
+    store(to - step, four.bytes);
+    return {to, !control && !hasControl(four.bytes)};
+  }
+  return encodeByTable(from, end, to, control);
+}
+
+encodedText singleByteEncoder::encodeByTable(const wchar_t* from, const wchar_t* end, char* to,
+                                             bool control) {
   unsigned current = 0;
   const page* known = &pageOf(0);
-  for (const wchar_t element : text) {
-    const auto code = static_cast<std::uint32_t>(element) & elementBits;
+  for (; from != end; ++from) {
+    const auto code = static_cast<std::uint32_t>(*from) & elementBits;
     if (code / pageSize != current) {
       if (code > 0xFFFF) {
         *to++ = '?';
@@ -58,9 +69,11 @@ char* singleByteEncoder::encode(std::wstring_view text, char* to) {
       current = code / pageSize;
       known = &pageOf(current);
     }
-    *to++ = (*known)[code % pageSize];
+    const char byte = (*known)[code % pageSize];
+    control = control || static_cast<unsigned char>(byte) < ' ';
+    *to++ = byte;
   }
-  return to;
+  return {to, !control};
 }
 
 }  // namespace tableRW

@@ -12,14 +12,20 @@
 
 namespace tableRW {
 
+/// What an encoder wrote.
+struct encodedText {
+  char* end;   ///< behind the last byte
+  bool plain;  ///< no control character (00 to 1F) is among the bytes
+};
+
 class singleByteEncoder {
  public:
   /// @param codePage  one in which every character of the BMP is one byte, its substitution included
   explicit singleByteEncoder(unsigned codePage) : codePage_(codePage) {}
 
   /// Writes the bytes of `text`, at most mostBytes for each element. A character beyond the BMP is two
-  /// units, each of them substituted. @return behind the last byte
-  char* encode(std::wstring_view text, char* to);
+  /// units, each of them substituted.
+  encodedText encode(std::wstring_view text, char* to);
   static constexpr std::size_t mostBytes = 2;
 
  private:
@@ -30,6 +36,7 @@ class singleByteEncoder {
     return pages_[number] != nullptr ? *pages_[number] : makePage(number);
   }
   const page& makePage(unsigned number);
+  encodedText encodeByTable(const wchar_t* from, const wchar_t* end, char* to, bool control);
 
   unsigned codePage_;
   std::array<std::unique_ptr<page>, 256> pages_;

@@ -97,21 +97,37 @@ bool textModeOutput::open(const std::wstring& path) {
 void textModeOutput::write(std::string_view text) {
   if (!isOpen()) return;
   // WHY: the room for all of it first, so that an allocation failure leaves no half line behind.
-  buffer_.reserve(buffer_.size() + 2 * text.size());
+  buffer_.room(2 * text.size());
   std::size_t start = 0;
   for (std::size_t found = text.find(lineFeed); found != std::string_view::npos;
        found = text.find(lineFeed, start)) {
-    buffer_.append(text, start, found - start);
-    buffer_ += "\r\n";
+    buffer_.append(text.data() + start, found - start);
+    addLineEnd();
     start = found + 1;
   }
-  buffer_.append(text, start);
+  buffer_.append(text.data() + start, text.size() - start);
+  flushWhenFull();
+}
+
+void textModeOutput::writeLine(std::size_t size) {
+  if (!isOpen()) return;
+  buffer_.advance(size);
+  addLineEnd();
+  flushWhenFull();
+}
+
+void textModeOutput::addLineEnd() {
+  buffer_.push(carriageReturn);
+  buffer_.push(lineFeed);
+}
+
+void textModeOutput::flushWhenFull() {
   if (buffer_.size() >= outputBufferSize) flush();
 }
 
 void textModeOutput::flush() {
-  if (!buffer_.empty() && !file_.write(buffer_.data(), buffer_.size())) failed_ = true;
-  buffer_.clear();
+  if (buffer_.size() > 0 && !file_.write(buffer_.data(), buffer_.size())) failed_ = true;
+  buffer_.shrinkTo(0);
 }
 
 bool textModeOutput::close() {

@@ -73,14 +73,23 @@ class textModeOutput {
 
   void write(std::string_view text);
 
+  /// Room in the buffer for `size` bytes, for text without an LF that is made in place; valid until the
+  /// next call of anything here. What is in it counts when it is handed to writeLine.
+  char* room(std::size_t size) { return buffer_.room(size + 2); }
+
+  /// Writes a line, whose first `size` bytes, made in the room, hold no LF, and its line end.
+  void writeLine(std::size_t size);
+
   /// @return false when any byte written since `open` was lost
   bool close();
 
  private:
+  void addLineEnd();
+  void flushWhenFull();
   void flush();
 
   platform::binaryFile file_;
-  std::string buffer_;
+  growingArray<char> buffer_;
   bool failed_ = false;
 };
 

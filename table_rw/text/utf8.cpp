@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "table_rw/text/asciiSteps.h"
+
 namespace tableRW {
 namespace {
 
@@ -179,7 +181,10 @@ std::wstring wideFromPaddedUtf8(std::string_view bytes) {
   const std::size_t tail = bytes.size() - head;
   const std::uint64_t words =
       (loadStep(first) & firstBytes[head]) | (loadStep(first + asciiStep) & firstBytes[tail]);
-  return isAscii(words) ? std::wstring(first, first + bytes.size()) : wideFromUtf8(bytes);
+  if (!isAscii(words)) return wideFromUtf8(bytes);
+  wchar_t buffer[2 * asciiStep];
+  widenSixteen(first, buffer);
+  return {buffer, bytes.size()};
 }
 
 }  // namespace tableRW

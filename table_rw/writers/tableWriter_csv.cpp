@@ -2,17 +2,25 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <utility>
 
 namespace tableRW {
 
+using std::string_literals::operator""s;
+
+namespace {
+
+constexpr std::size_t longestLine = std::numeric_limits<std::int32_t>::max();  // in bytes
+
+}  // namespace
+
 tableWriter_csv::tableWriter_csv(tableWriterOptions options)
     : options_(std::move(options)), encoder_(codePageOf(output_.encoding)) {
   delimiter_.resize(options_.delimiter.size() * singleByteEncoder::mostBytes);
-  const char* const end = encoder_.encode(options_.delimiter, delimiter_.data());
-  delimiter_.resize(static_cast<std::size_t>(end - delimiter_.data()));
+  const encodedText delimiter = encoder_.encode(options_.delimiter, delimiter_.data());
+  delimiter_.resize(static_cast<std::size_t>(delimiter.end - delimiter_.data()));
+  delimiterIsPlain_ = delimiter_.find_first_of("\0\n"s) == std::string::npos;
   if (!output_.file.open(options_.fileName)) return;
   std::vector<std::wstring> names;
   names.reserve(options_.fields.size());
@@ -25,29 +33,31 @@ tableWriter_csv::~tableWriter_csv() = default;
 bool tableWriter_csv::addRow(const std::vector<std::wstring>& row) {
   if (row.empty()) return false;
   if (!output_.file.isOpen()) return true;
-  output_.file.write(encodeLine(row));
+  std::size_t elements = 0;
+  for (const std::wstring& value : row) elements += value.size();
+  char* const begin = output_.file.room(elements * singleByteEncoder::mostBytes +
+                                        (row.size() - 1) * delimiter_.size());
+  encodedText line = {begin, delimiterIsPlain_};
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    if (i > 0) line.end = std::copy(delimiter_.begin(), delimiter_.end(), line.end);
+    const encodedText value = encoder_.encode(row[i], line.end);
+    line = {value.end, line.plain && value.plain};
+  }
+  const auto size = static_cast<std::size_t>(line.end - begin);
+  if (line.plain && size <= longestLine)
+    output_.file.writeLine(size);
+  else
+    writeOddLine({begin, size});
   return true;
 }
 
-// One line with its LF, in the file's code page; valid until the next.
-std::string_view tableWriter_csv::encodeLine(const std::vector<std::wstring>& row) {
-  std::size_t elements = 0;
-  for (const std::wstring& value : row) elements += value.size();
-  const std::size_t most =
-      elements * singleByteEncoder::mostBytes + (row.size() - 1) * delimiter_.size() + 1;
-  if (line_.size() < most) line_.resize(most + most / 2);
-  char* const begin = line_.data();
-  char* end = begin;
-  for (std::size_t i = 0; i < row.size(); ++i) {
-    if (i > 0) end = std::copy(delimiter_.begin(), delimiter_.end(), end);
-    end = encoder_.encode(row[i], end);
-  }
+// A line that may hold a NUL, which ends its text, or an LF, which becomes CR LF.
+void tableWriter_csv::writeOddLine(std::string_view line) {
   // A line too long for the platform to convert comes out empty, like any that it refuses.
-  if (end - begin > std::numeric_limits<std::int32_t>::max()) end = begin;
-  if (void* nul = std::memchr(begin, 0, static_cast<std::size_t>(end - begin)))
-    end = static_cast<char*>(nul);
-  *end++ = '\n';
-  return {begin, static_cast<std::size_t>(end - begin)};
+  if (line.size() > longestLine) line = {};
+  std::string text(line.substr(0, line.find('\0')));
+  text += '\n';
+  output_.file.write(text);
 }
 
 }  // namespace tableRW

@@ -37,13 +37,13 @@ class tableWriter_csv : public tableWriter {
     textEncoding encoding = encodingCp1251;
   };
 
-  std::string_view encodeLine(const std::vector<std::wstring>& row);
+  void writeOddLine(std::string_view line);
 
   tableWriterOptions options_;
   textFileWriter output_;
   singleByteEncoder encoder_;
   std::string delimiter_;  // in the file's code page
-  std::string line_;       // reused from row to row
+  bool delimiterIsPlain_;  // it holds neither NUL nor LF
 };
 
 }  // namespace tableRW

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "table_rw/text/textConversion.h"
@@ -14,8 +15,11 @@ using tableRW::singleByteEncoder;
 
 std::string encoded(singleByteEncoder& encoder, const std::wstring& text) {
   std::string bytes(text.size() * singleByteEncoder::mostBytes, 'x');
-  const char* const end = encoder.encode(text, bytes.data());
-  bytes.resize(static_cast<std::size_t>(end - bytes.data()));
+  const tableRW::encodedText result = encoder.encode(text, bytes.data());
+  bytes.resize(static_cast<std::size_t>(result.end - bytes.data()));
+  const bool plain = std::none_of(bytes.begin(), bytes.end(),
+                                  [](char byte) { return static_cast<unsigned char>(byte) < ' '; });
+  EXPECT_EQ(result.plain, plain);
   return bytes;
 }
 
@@ -44,6 +48,21 @@ TEST(singleByteEncoder, substitutesEachUnitOfAPair) {
       "??");
   EXPECT_EQ(encoded(encoder, L""), "");
   EXPECT_EQ(encoded(encoder, std::wstring(1, L'\0')), std::string(1, '\0'));
+}
+
+// One character that is odd, at every place of texts of every length around the encoder's steps.
+TEST(singleByteEncoder, seesAnOddCharacterAtEveryPlace) {
+  singleByteEncoder encoder(1251);
+  for (std::size_t length = 1; length <= 13; ++length) {
+    for (std::size_t at = 0; at < length; ++at) {
+      for (const wchar_t odd :
+           {L'\0', L'\n', L'\x1F', L' ', L'\x7F', L'\x80', L'\x416', L'\xFFFF'}) {
+        std::wstring text(length, L'z');
+        text[at] = odd;
+        EXPECT_EQ(encoded(encoder, text), expected(text, 8)) << length << " " << at;
+      }
+    }
+  }
 }
 
 TEST(singleByteEncoder, agreesOnRandomText) {
