@@ -38,6 +38,14 @@ class memoryRegion {
   void swap(memoryRegion& other) noexcept;
 
  private:
+  /// Sizes are multiples of this: a huge page.
+  static constexpr std::size_t granularity = std::size_t{2} << 20;
+  static std::size_t roundUp(std::size_t size) {
+    return (size + granularity - 1) & ~(granularity - 1);
+  }
+  /// @return false when `size` bytes, a multiple of the granularity, are not to be had
+  bool reserveExactly(std::size_t size);
+
   char* base_ = nullptr;
   std::size_t reserved_ = 0;
   std::size_t committed_ = 0;

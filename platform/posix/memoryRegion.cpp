@@ -8,21 +8,17 @@
 namespace platform {
 namespace {
 
-constexpr std::size_t hugePage = std::size_t{2} << 20;
-
-std::size_t roundUp(std::size_t size) { return (size + hugePage - 1) & ~(hugePage - 1); }
-
-// Reserves `size` bytes, a multiple of a huge page, at an address that is one too. Null: none to be had.
-char* reserveAligned(std::size_t size) {
+// Reserves `size` bytes at a multiple of `alignment`, as `size` is one. Null: none to be had.
+char* reserveAligned(std::size_t size, std::size_t alignment) {
   // WHY no access at first: such a mapping counts against no limit of memory.
-  void* const got = ::mmap(nullptr, size + hugePage, PROT_NONE,
+  void* const got = ::mmap(nullptr, size + alignment, PROT_NONE,
                            MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   if (got == MAP_FAILED) return nullptr;
   char* const start = static_cast<char*>(got);
   const std::size_t ahead =
-      roundUp(reinterpret_cast<std::uintptr_t>(start)) - reinterpret_cast<std::uintptr_t>(start);
+      alignment - 1 - (reinterpret_cast<std::uintptr_t>(start) - 1) % alignment;
   if (ahead > 0) ::munmap(start, ahead);
-  ::munmap(start + ahead + size, hugePage - ahead);
+  ::munmap(start + ahead + size, alignment - ahead);
   return start + ahead;
 }
 
@@ -32,18 +28,10 @@ memoryRegion::~memoryRegion() {
   if (base_ != nullptr) ::munmap(base_, reserved_);
 }
 
-bool memoryRegion::reserve(std::size_t wanted, std::size_t least) {
-  memoryRegion().swap(*this);
-  const std::size_t smallest = roundUp(least);
-  for (std::size_t size = std::max(roundUp(wanted), smallest);;
-       size = std::max(size / 2, smallest)) {
-    base_ = reserveAligned(size);
-    if (base_ != nullptr) {
-      reserved_ = size;
-      return true;
-    }
-    if (size == smallest) return false;
-  }
+bool memoryRegion::reserveExactly(std::size_t size) {
+  base_ = reserveAligned(size, granularity);
+  reserved_ = base_ == nullptr ? 0 : size;
+  return base_ != nullptr;
 }
 
 bool memoryRegion::commit(std::size_t size) {

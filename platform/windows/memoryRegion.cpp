@@ -5,31 +5,15 @@
 #include <algorithm>
 
 namespace platform {
-namespace {
-
-constexpr std::size_t granularity = std::size_t{1} << 20;
-
-std::size_t roundUp(std::size_t size) { return (size + granularity - 1) & ~(granularity - 1); }
-
-}  // namespace
 
 memoryRegion::~memoryRegion() {
   if (base_ != nullptr) ::VirtualFree(base_, 0, MEM_RELEASE);
 }
 
-bool memoryRegion::reserve(std::size_t wanted, std::size_t least) {
-  memoryRegion().swap(*this);
-  const std::size_t smallest = roundUp(least);
-  for (std::size_t size = std::max(roundUp(wanted), smallest);;
-       size = std::max(size / 2, smallest)) {
-    void* const got = ::VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS);
-    if (got != nullptr) {
-      base_ = static_cast<char*>(got);
-      reserved_ = size;
-      return true;
-    }
-    if (size == smallest) return false;
-  }
+bool memoryRegion::reserveExactly(std::size_t size) {
+  base_ = static_cast<char*>(::VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS));
+  reserved_ = base_ == nullptr ? 0 : size;
+  return base_ != nullptr;
 }
 
 bool memoryRegion::commit(std::size_t size) {
