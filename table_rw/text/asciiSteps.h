@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #include "table_rw/text/byteMasks.h"
 
@@ -29,9 +28,9 @@ namespace portable {
 inline fourBytes narrowFour(const wchar_t* text) {
   fourBytes result = {0, true};
   for (int i = 0; i < 4; ++i) {
-    const auto element = static_cast<std::uint32_t>(text[i]);
-    result.ascii = result.ascii && element < 0x80;
-    result.bytes |= (element & 0x7F) << (8 * i);
+    const std::uint32_t ascii = static_cast<std::uint32_t>(text[i]) & 0x7F;
+    result.ascii = result.ascii && static_cast<wchar_t>(ascii) == text[i];
+    result.bytes |= ascii << (8 * i);
   }
   return result;
 }
