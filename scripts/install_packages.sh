@@ -14,12 +14,12 @@
 set -u
 
 packages_of() {
-  local run="cmake g++ libcli11-dev libfmt-dev ninja-build"
+  local run="cmake g++ libcli11-dev libfmt-dev libsqlite3-dev ninja-build"
   local native="$run binutils gcc googletest python3"
   case $1 in
     run) echo "$run" ;;
     native) echo "$native" ;;
-    windows) echo "$native g++-mingw-w64-x86-64-posix locales wine wine64" ;;
+    windows) echo "$native dpkg-dev g++-mingw-w64-x86-64-posix locales tcl wine wine64" ;;
     lint) echo "$native clang-format clang-tidy" ;;
     fuzz) echo "$run clang" ;;
     bench) echo "$run python3" ;;
