@@ -46,6 +46,13 @@ bool createFolder(const std::wstring& path);
 /// Deletes one empty folder.
 bool removeFolder(const std::wstring& path);
 
+/// The path as UTF-8 for a library that takes it narrow and opens the file itself; separators are `/`. It names
+/// the same file there, but for names of Windows that hold a lone surrogate.
+std::string utf8Path(const std::wstring& path);
+
+/// True for a path that begins with a drive's letter and a colon, where the system has drives.
+bool isDrivePath(const std::wstring& path);
+
 /// An open file as a sequence of bytes, closed with its owner.
 class binaryFile {
  public:

@@ -76,6 +76,10 @@ bool createFolder(const std::wstring& path) { return ::mkdir(nativePath(path).c_
 
 bool removeFolder(const std::wstring& path) { return ::rmdir(nativePath(path).c_str()) == 0; }
 
+std::string utf8Path(const std::wstring& path) { return nativePath(path); }
+
+bool isDrivePath(const std::wstring&) { return false; }
+
 bool binaryFile::openForReading(const std::wstring& path) {
   close();
   handle_ = openFile(path, O_RDONLY);

@@ -75,6 +75,22 @@ bool createFolder(const std::wstring& path) { return CreateDirectoryW(path.c_str
 
 bool removeFolder(const std::wstring& path) { return RemoveDirectoryW(path.c_str()) != 0; }
 
+std::string utf8Path(const std::wstring& path) {
+  const int needed =
+      WideCharToMultiByte(CP_UTF8, 0, path.c_str(), -1, nullptr, 0, nullptr, nullptr);
+  if (needed <= 0) return {};
+  std::string bytes(static_cast<std::size_t>(needed), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, path.c_str(), -1, bytes.data(), needed, nullptr, nullptr);
+  bytes.pop_back();  // the terminator
+  std::replace(bytes.begin(), bytes.end(), '\\', '/');
+  return bytes;
+}
+
+bool isDrivePath(const std::wstring& path) {
+  return path.size() >= 2 && path[1] == L':' &&
+         ((path[0] >= L'A' && path[0] <= L'Z') || (path[0] >= L'a' && path[0] <= L'z'));
+}
+
 // The sharing modes are those of the C runtime's secure open: readers get in beside readers, nobody
 // gets in beside a writer.
 

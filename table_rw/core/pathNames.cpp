@@ -10,6 +10,12 @@ std::size_t folderLength(std::wstring_view path) {
   return separator == std::wstring_view::npos ? 0 : separator + 1;
 }
 
+bool isSeparator(wchar_t character) { return character == L'\\' || character == L'/'; }
+
+bool isAbsolute(std::wstring_view part) {
+  return isSeparator(part.front()) || (part.size() > 1 && part[1] == L':');
+}
+
 }  // namespace
 
 std::wstring folderOf(std::wstring_view path) {
@@ -25,6 +31,17 @@ std::wstring extensionOf(std::wstring_view path) {
   const std::size_t dot = name.rfind(L'.');
   return dot == std::wstring_view::npos ? std::wstring()
                                         : platform::lowerCase(std::wstring(name.substr(dot)));
+}
+
+std::wstring joinPath(std::initializer_list<std::wstring_view> parts) {
+  std::wstring path;
+  for (const std::wstring_view part : parts) {
+    if (part.empty()) continue;
+    if (isAbsolute(part)) path.clear();
+    if (!path.empty() && !isSeparator(path.back())) path += L'\\';
+    path += part;
+  }
+  return path;
 }
 
 }  // namespace tableRW

@@ -5,6 +5,7 @@
 #include "table_rw/core/converterProgram.h"
 #include "table_rw/readers/tableReader_csv.h"
 #include "table_rw/readers/tableReader_dummy.h"
+#include "table_rw/readers/tableReader_sqlite.h"
 
 namespace tableRW {
 namespace {
@@ -17,15 +18,15 @@ tableReader* make(tableReaderOptions options) {
 // The formats that this version does not read yet stand here with the reader that reads nothing, so
 // that a source of such a format is never mistaken for delimited text.
 constexpr readerVariant variants[] = {
-    {fileTypeCsv,           {L"csv"},                            nullptr,                nullptr,     make<tableReader_csv>},
-    {fileTypeXlsConverter,  {L"xls", L"xlsx"},                   converterProgramExists, nullptr,     makeDummyReader      },
-    {fileTypeXlsOdbc,       {L"xls", L"xlsx", L"mdb", L"accdb"}, nullptr,                nullptr,     makeDummyReader      },
-    {fileTypeAccessOdbc,    {},                                  nullptr,                nullptr,     makeDummyReader      },
-    {fileTypeDbf,           {L"dbf"},                            nullptr,                nullptr,     makeDummyReader      },
-    {fileTypeSqlite,        {L"sqlite", L"well2"},               nullptr,                nullptr,     makeDummyReader      },
-    {fileTypeMicromineData, {L"micromine"},                      nullptr,                nullptr,     makeDummyReader      },
-    {fileTypeMicromineDhdb, {L"dhdb"},                           nullptr,                nullptr,     makeDummyReader      },
-    {fileTypePetrel,        {},                                  nullptr,                L"# Petrel", makeDummyReader      },
+    {fileTypeCsv,           {L"csv"},                            nullptr,                nullptr,     make<tableReader_csv>   },
+    {fileTypeXlsConverter,  {L"xls", L"xlsx"},                   converterProgramExists, nullptr,     makeDummyReader         },
+    {fileTypeXlsOdbc,       {L"xls", L"xlsx", L"mdb", L"accdb"}, nullptr,                nullptr,     makeDummyReader         },
+    {fileTypeAccessOdbc,    {},                                  nullptr,                nullptr,     makeDummyReader         },
+    {fileTypeDbf,           {L"dbf"},                            nullptr,                nullptr,     makeDummyReader         },
+    {fileTypeSqlite,        {L"sqlite", L"well2"},               nullptr,                nullptr,     make<tableReader_sqlite>},
+    {fileTypeMicromineData, {L"micromine"},                      nullptr,                nullptr,     makeDummyReader         },
+    {fileTypeMicromineDhdb, {L"dhdb"},                           nullptr,                nullptr,     makeDummyReader         },
+    {fileTypePetrel,        {},                                  nullptr,                L"# Petrel", makeDummyReader         },
 };
 
 }  // namespace

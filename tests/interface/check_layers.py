@@ -39,6 +39,7 @@ LAYERS = [
 # What a host may include, and so the tool and the examples.
 PUBLIC_HEADERS = {
     "database/odbc_database.h",
+    "database/odbc_result.h",
     "database/well_queries.h",
     "platform/vok_basic.h",
     "platform/vok_export.h",
@@ -58,7 +59,7 @@ ARROWS = {
     "suite": {"platform"},
     "text": {"platform"},
     "core": {"text", "platform"},
-    "readers": {"core", "text", "platform"},
+    "readers": {"database", "core", "text", "platform"},
     "writers": {"core", "text", "platform"},
     "database": {"core", "text", "platform"},
     "capi": {"readers", "writers", "database", "core", "text", "platform"},

@@ -1,0 +1,52 @@
+// Opening a database for vok_io: what a path or a connection string means, and reading without a trace.
+//
+// A reading connection must change nothing on disk. The engine does not promise that for a read-only
+// connection: for a database in write-ahead mode it creates the files -wal and -shm, and it deletes what is
+// left beside an empty one. So it is told how to read by what stands there:
+//
+//     beside the database     read as                         because
+//     -wal and -shm           read-only                       somebody has it open, or had; nothing is created
+//     -wal alone              read-only, the log's index in   an index would be created on disk
+//                             own memory, nobody locked out
+//     neither, header says    unchanging                      the log would be created; there is nothing in it
+//       write-ahead, or empty
+//     neither                 read-only                       the ordinary case
+//
+// The state can change while the connection is open, so a reading connection is made for one query.
+// One object, one thread at a time.
+#ifndef VOK_SUITE_IO_SQLITECONNECTION_H
+#define VOK_SUITE_IO_SQLITECONNECTION_H
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace suiteIo {
+
+/// WHY close_v2: statements may outlive the connection that they were made with.
+struct connectionCloser {
+  void operator()(sqlite3* connection) const { sqlite3_close_v2(connection); }
+};
+using sqliteConnection = std::unique_ptr<sqlite3, connectionCloser>;
+
+/// The value of `Database` in a connection string; nothing when the text is a plain path.
+std::optional<std::wstring> databaseOfConnectionString(std::wstring_view text);
+
+enum class connectionKind {
+  creating,  ///< read-write, created when missing
+  writing,   ///< read-write, only what exists
+  reading,   ///< without a trace; only what exists
+};
+
+/// Opens a database. @return null when it cannot be opened
+sqliteConnection openConnection(const std::wstring& path, connectionKind kind);
+
+/// Wide SQL or another text for the engine.
+std::string utf8Of(std::wstring_view text);
+
+}  // namespace suiteIo
+
+#endif
