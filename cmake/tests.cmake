@@ -14,6 +14,7 @@ target_compile_options(gtest PRIVATE -O0 ${vok_less_debug_information})
 file(GLOB test_sources CONFIGURE_DEPENDS
   tests/*.cpp
   tests/core/*.cpp
+  tests/database/*.cpp
   tests/text/*.cpp
   tests/readers/*.cpp
   tests/writers/*.cpp

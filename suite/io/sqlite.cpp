@@ -108,29 +108,17 @@ std::vector<columnType> declaredTypes(sqlite3* connection, const std::string& sq
 
 struct Ivo_sqlite_db {
   std::wstring path;
-  sqliteConnection connection;
-  bool leavesNoTrace;
+  sqliteConnection connection;  // none while only reading is wanted: each query has its own then
 
   // From here on an ordinary connection.
   bool allowChanges() {
-    if (!leavesNoTrace) return true;
-    sqliteConnection writing = openConnection(path, connectionKind::writing);
-    if (!writing) return false;
-    connection = std::move(writing);
-    leavesNoTrace = false;
-    return true;
-  }
-
-  // The file may have changed its kind since it was looked at.
-  bool lookAgain() {
-    if (!leavesNoTrace) return true;
-    connection.reset();
-    connection = openConnection(path, connectionKind::reading);
+    if (!connection) connection = openConnection(path, connectionKind::writing);
     return connection != nullptr;
   }
 };
 
 struct Ivo_sqlite_stmt {
+  sqliteConnection reading;  // its own connection, where it has one
   preparedStatement statement;
   std::vector<columnType> declared;  // by row, where the statement is a PRAGMA table_info
   std::size_t rowsSeen = 0;
@@ -153,11 +141,13 @@ struct Ivo_sqlite_stmt {
 Ivo_sqlite_db* vo_sqlite_db_open(const wchar_t* path, int) {
   if (path == nullptr) return nullptr;
   const auto named = suiteIo::databaseOfConnectionString(path);
-  const std::wstring file = named.value_or(path);
+  auto database = std::make_unique<Ivo_sqlite_db>();
+  database->path = named.value_or(path);
   sqliteConnection connection =
-      openConnection(file, named ? connectionKind::reading : connectionKind::creating);
+      openConnection(database->path, named ? connectionKind::reading : connectionKind::creating);
   if (!connection) return nullptr;
-  return new Ivo_sqlite_db{file, std::move(connection), named.has_value()};
+  if (!named) database->connection = std::move(connection);
+  return database.release();
 }
 
 void vo_sqlite_db_close(Ivo_sqlite_db* database) { delete database; }
@@ -179,16 +169,26 @@ bool vo_sqlite_db_execute(Ivo_sqlite_db* database, const wchar_t* sql) {
 }
 
 Ivo_sqlite_stmt* vo_sqlite_db_query_stmt(Ivo_sqlite_db* database, const wchar_t* sql, int) {
-  if (database == nullptr || sql == nullptr || !database->lookAgain()) return nullptr;
+  if (database == nullptr || sql == nullptr) return nullptr;
   const std::string text = utf8Of(sql);
-  preparedStatement statement = prepare(database->connection.get(), text.c_str());
-  if (statement && database->leavesNoTrace && sqlite3_stmt_readonly(statement.get()) == 0) {
-    statement.reset();
-    if (!database->allowChanges()) return nullptr;
-    statement = prepare(database->connection.get(), text.c_str());
+  auto query = std::make_unique<Ivo_sqlite_stmt>();
+  sqlite3* connection = database->connection.get();
+  if (connection == nullptr) {
+    query->reading = openConnection(database->path, connectionKind::reading);
+    connection = query->reading.get();
+    if (connection == nullptr) return nullptr;
   }
-  if (!statement) return nullptr;
-  return new Ivo_sqlite_stmt{std::move(statement), declaredTypes(database->connection.get(), text)};
+  query->statement = prepare(connection, text.c_str());
+  if (query->reading && query->statement && sqlite3_stmt_readonly(query->statement.get()) == 0) {
+    query->statement.reset();
+    query->reading.reset();
+    if (!database->allowChanges()) return nullptr;
+    connection = database->connection.get();
+    query->statement = prepare(connection, text.c_str());
+  }
+  if (!query->statement) return nullptr;
+  query->declared = declaredTypes(connection, text);
+  return query.release();
 }
 
 bool vo_sqlite_stmt_next_row(Ivo_sqlite_stmt* statement) {

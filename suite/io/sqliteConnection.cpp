@@ -56,16 +56,16 @@ std::optional<std::uint64_t> sizeOf(const std::wstring& path) {
 }
 
 readingMode modeFor(const std::wstring& path) {
-  const std::wstring log = path + L"-wal";
-  // The engine too takes an empty log for none.
-  if (platform::fileExists(log) && sizeOf(log) != 0)
-    return platform::fileExists(path + L"-shm") ? readingMode::readOnly : readingMode::withOwnIndex;
   // FORMAT: byte 19 of the header is the version that readers must know; 2 is write-ahead mode.
   std::array<unsigned char, 20> header = {};
   platform::binaryFile file;
-  if (!file.openForReading(path)) return readingMode::readOnly;
-  const std::size_t size = file.read(header.data(), header.size());
-  return size == 0 || header[19] == 2 ? readingMode::unchanging : readingMode::readOnly;
+  const bool isKnown = file.openForReading(path);
+  if (isKnown && file.read(header.data(), header.size()) == 0) return readingMode::unchanging;
+  // The engine too takes an empty log for none.
+  const std::wstring log = path + L"-wal";
+  if (platform::fileExists(log) && sizeOf(log) != 0)
+    return platform::fileExists(path + L"-shm") ? readingMode::readOnly : readingMode::withOwnIndex;
+  return isKnown && header[19] == 2 ? readingMode::unchanging : readingMode::readOnly;
 }
 
 sqliteConnection openUri(const std::string& uri, int flags, const char* system) {

@@ -4,15 +4,15 @@
 // connection: for a database in write-ahead mode it creates the files -wal and -shm, and it deletes what is
 // left beside an empty one. So it is told how to read by what stands there:
 //
-//     beside the database     read as                         because
-//     -wal and -shm           read-only                       somebody has it open, or had; nothing is created
-//     -wal alone              read-only, the log's index in   an index would be created on disk
-//                             own memory, nobody locked out
-//     neither, header says    unchanging                      the log would be created; there is nothing in it
-//       write-ahead, or empty
-//     neither                 read-only                       the ordinary case
+//     the database, beside it     read as                     because
+//     empty                       unchanging                  what is left beside it would be deleted
+//     -wal and -shm               read-only                   somebody has it open, or had
+//     -wal alone                  read-only, the log's index  the index would be created on disk
+//                                 in own memory, no locks
+//     write-ahead, no -wal        unchanging                  the log would be created, and is empty
+//     nothing                     read-only                   the ordinary case
 //
-// The state can change while the connection is open, so a reading connection is made for one query.
+// That can change from one query to the next, so a reading connection is made for one query.
 // One object, one thread at a time.
 #ifndef VOK_SUITE_IO_SQLITECONNECTION_H
 #define VOK_SUITE_IO_SQLITECONNECTION_H

@@ -70,4 +70,39 @@ TEST(pathNames, folderAndNameAreTheWholePath) {
   }
 }
 
+struct joinRow {
+  const char* name;
+  std::initializer_list<std::wstring_view> parts;
+  std::wstring path;
+  int line = __builtin_LINE();
+};
+
+// clang-format off
+const joinRow joinRows[] = {
+    joinRow{"nothing", {}, L""},
+    joinRow{"empty parts alone", {L"", L""}, L""},
+    joinRow{"a container", {L"D:\\proj", L"_base", L"base.log"}, L"D:\\proj\\_base\\base.log"},
+    joinRow{"an empty container", {L"", L"_base", L"base.log"}, L"_base\\base.log"},
+    joinRow{"an empty part between", {L"Proj\\", L"", L"W-12"}, L"Proj\\W-12"},
+    joinRow{"a backslash at the end is enough", {L"a\\", L"b"}, L"a\\b"},
+    joinRow{"a slash at the end is enough", {L"a/", L"b"}, L"a/b"},
+    joinRow{"a backslash even behind slashes", {L"/a/b", L"c"}, L"/a/b\\c"},
+    joinRow{"a part with a backslash first replaces", {L"a", L"\\b", L"c"}, L"\\b\\c"},
+    joinRow{"a part with a slash first replaces", {L"a", L"/b"}, L"/b"},
+    joinRow{"a part with a drive replaces", {L"a", L"C:\\b"}, L"C:\\b"},
+    joinRow{"any second colon is a drive", {L"a", L"1:b"}, L"1:b"},
+    joinRow{"a colon in first place is none", {L"a", L":b"}, L"a\\:b"},
+    joinRow{"one character", {L"a", L"b", L"c"}, L"a\\b\\c"},
+    joinRow{"a lone separator replaces", {L"a", L"\\", L"b"}, L"\\b"},
+    joinRow{"parts keep their own separators", {L"a\\b", L"c/d"}, L"a\\b\\c/d"},
+};
+// clang-format on
+
+TEST(pathNames, join) {
+  for (const joinRow& r : joinRows) {
+    const testing::ScopedTrace trace(__FILE__, r.line, r.name);
+    EXPECT_EQ(printable(tableRW::joinPath(r.parts)), printable(r.path));
+  }
+}
+
 }  // namespace

@@ -384,4 +384,19 @@ TEST_F(files, foldersOneLevelAtATime) {
   EXPECT_EQ(readFile(folder_.file(L"file")), "x");
 }
 
+TEST_F(files, aPathForLibrariesThatTakeItNarrow) {
+  EXPECT_EQ(platform::utf8Path(L""), "");
+  EXPECT_EQ(platform::utf8Path(L"a\\b/c"), "a/b/c");
+  EXPECT_EQ(platform::utf8Path(L"\x0416\U0001F600"), "\xD0\x96\xF0\x9F\x98\x80");
+  EXPECT_EQ(platform::utf8Path(std::wstring(L"a\0b", 3)), "a");
+}
+
+TEST_F(files, drivesAreWhereTheSystemHasThem) {
+  using testSupport::onWindows;
+  EXPECT_EQ(platform::isDrivePath(L"C:\\a"), onWindows);
+  EXPECT_EQ(platform::isDrivePath(L"z:"), onWindows);
+  for (const wchar_t* const path : {L"", L"C", L"1:a", L"\\\\server\\a", L"/C:/a"})
+    EXPECT_FALSE(platform::isDrivePath(path));
+}
+
 }  // namespace
