@@ -42,7 +42,7 @@ typedef struct Ivo_sqlite_stmt Ivo_sqlite_stmt;
  * beside a database; each looks at the file anew. The first vo_sqlite_db_execute, or the first query
  * that changes something, turns the handle into an ordinary one that reads and writes.
  *
- * A file that is no database opens; its queries fail. Statements wait 5 seconds for other connections.
+ * A file that is no database opens; its queries fail. A connection string refuses one that has been cut short. Statements wait 5 seconds for other connections.
  * @param flags  none are defined; 0
  * @return null when the path is null or empty, names a folder or a device, or cannot be opened */
 Ivo_sqlite_db* vo_sqlite_db_open(const wchar_t* path, int flags);

@@ -46,26 +46,47 @@ std::string uriOf(const std::wstring& path, std::string_view parameters) {
   return uri.append(parameters);
 }
 
-enum class readingMode { readOnly, withOwnIndex, unchanging };
+enum class readingMode { readOnly, withOwnIndex, unchanging, refused };
 
-// The size of a file; nothing when it cannot be told, since others may have it open.
-std::optional<std::uint64_t> sizeOf(const std::wstring& path) {
+// FORMAT: the first page of a database begins with these numbers, highest byte first.
+struct databaseHeader {
+  std::array<unsigned char, 100> bytes = {};
+
+  std::uint32_t number(std::size_t at) const {
+    return static_cast<std::uint32_t>(bytes[at]) << 24 | bytes[at + 1] << 16U |
+           bytes[at + 2] << 8U | bytes[at + 3];
+  }
+  // The version that readers must know; 2 is write-ahead mode.
+  bool isWriteAhead() const { return bytes[19] == 2; }
+  // What the file must have at least; 0 when an old engine has not kept the number up.
+  std::uint64_t leastSize() const {
+    const std::uint64_t pageSize = static_cast<std::uint64_t>(bytes[16] << 8 | bytes[17]);
+    const bool isKeptUp = number(24) == number(92);
+    return isKeptUp ? number(28) * (pageSize == 1 ? 65536 : pageSize) : 0;
+  }
+};
+
+// True for a file that others may have open and one that holds anything; the engine too takes an empty one
+// for none.
+bool hasContent(const std::wstring& path) {
+  if (!platform::fileExists(path)) return false;
   platform::binaryFile file;
-  if (!file.openForReading(path)) return std::nullopt;
-  return file.size();
+  return !file.openForReading(path) || file.size() != 0;
 }
 
 readingMode modeFor(const std::wstring& path) {
-  // FORMAT: byte 19 of the header is the version that readers must know; 2 is write-ahead mode.
-  std::array<unsigned char, 20> header = {};
+  databaseHeader header;
   platform::binaryFile file;
   const bool isKnown = file.openForReading(path);
-  if (isKnown && file.read(header.data(), header.size()) == 0) return readingMode::unchanging;
-  // The engine too takes an empty log for none.
-  const std::wstring log = path + L"-wal";
-  if (platform::fileExists(log) && sizeOf(log) != 0)
+  if (isKnown && file.read(header.bytes.data(), header.bytes.size()) == 0)
+    return readingMode::unchanging;
+  if (hasContent(path + L"-wal"))
     return platform::fileExists(path + L"-shm") ? readingMode::readOnly : readingMode::withOwnIndex;
-  return isKnown && header[19] == 2 ? readingMode::unchanging : readingMode::readOnly;
+  // The engine fills a last page that is cut with zeros, and would give values that nobody has stored. While
+  // a journal stands there, the file is being written.
+  if (isKnown && file.size() < header.leastSize() && !hasContent(path + L"-journal"))
+    return readingMode::refused;
+  return isKnown && header.isWriteAhead() ? readingMode::unchanging : readingMode::readOnly;
 }
 
 sqliteConnection openUri(const std::string& uri, int flags, const char* system) {
@@ -81,6 +102,7 @@ sqliteConnection openUri(const std::string& uri, int flags, const char* system) 
 
 sqliteConnection openForReading(const std::wstring& path) {
   const readingMode mode = modeFor(path);
+  if (mode == readingMode::refused) return nullptr;
   const bool ownIndex = mode == readingMode::withOwnIndex;
   const char* const parameters = mode == readingMode::unchanging ? "?immutable=1" : "";
   sqliteConnection connection = openUri(uriOf(path, parameters), SQLITE_OPEN_READONLY,

@@ -10,6 +10,7 @@
 //     -wal alone                  read-only, the log's index  the index would be created on disk
 //                                 in own memory, no locks
 //     write-ahead, no -wal        unchanging                  the log would be created, and is empty
+//     shorter than it says        not at all                  the engine would make up the end of a page
 //     nothing                     read-only                   the ordinary case
 //
 // That can change from one query to the next, so a reading connection is made for one query.
