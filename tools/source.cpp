@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <optional>
+#include <vector>
 
 #include "platform/files.h"
 #include "tools/formats.h"
@@ -11,6 +13,8 @@
 
 namespace vokTable {
 namespace {
+
+constexpr std::size_t tablesNamed = 8;
 
 /// What keeps the file from being opened, as far as that can be told without opening it.
 std::optional<std::string> obstacle(const std::wstring& path) {
@@ -40,6 +44,20 @@ exitCode explainNothingReads(const tableRW::tableReaderOptions& options,
                              toUtf8(options.path), formatName(options.file_type, options.path)));
   messages.hint("vok_table formats lists what can be read; --type chooses another format");
   return exitCode::notAvailable;
+}
+
+/// The tables that the source holds, when the one asked for is none of them.
+void hintAtTables(tableRW::tableReader& reader, const readingArguments& arguments,
+                  const messageWriter& messages) {
+  std::vector<std::wstring> tables;
+  reader.tableList(tables);
+  const std::wstring wanted = toWide(arguments.table.value_or(""));
+  if (tables.empty() || std::find(tables.begin(), tables.end(), wanted) != tables.end()) return;
+  std::string names;
+  for (std::size_t i = 0; i < std::min(tables.size(), tablesNamed); ++i)
+    names += (i == 0 ? "" : ", ") + toUtf8(tables[i]);
+  if (tables.size() > tablesNamed) names += " ...";
+  messages.hint(fmt::format("name one of its tables with --table: {}", names));
 }
 
 bool readExtent(tableRW::tableReader& reader, extent wanted) {
@@ -82,13 +100,16 @@ bool readSource(tableRW::tableReader& reader, extent wanted, const readingArgume
     const progressLine progress(context.messages, fmt::format("reading {}", arguments.file));
     isRead = readExtent(reader, wanted);
   }
-  if (isRead) return true;
+  // A table that is not there has no fields, and reading them alone is no failure then.
+  const bool offersTables = reader.get_capabilities().offersTables;
+  if (isRead && (reader.fieldCount() > 0 || !offersTables)) return true;
   if (explainUnreadable(reader.path(), context.messages)) return false;
   const std::string table =
       arguments.table ? fmt::format(", table {}", inQuotes(*arguments.table)) : std::string();
   context.messages.error(fmt::format(
       "cannot read {}{}: its content is not what was expected; check the file and the options",
       arguments.file, table));
+  if (offersTables) hintAtTables(reader, arguments, context.messages);
   return false;
 }
 

@@ -210,7 +210,7 @@ static void results(vo_string_adp* adapter, struct heard* heard) {
 static bool read_with(vo_table_reader_options* options, vo_string_adp* adapter) {
   vo_table_reader* reader = vo_table_reader_open(options);
   const bool answer = vo_table_reader_read(reader);
-  CHECK(vo_table_reader_is_ok(reader) == answer);
+  CHECK(vo_table_reader_is_ok(reader) || !answer);
   vo_table_reader_field_list(reader, adapter);
   vo_table_reader_row(reader, 0, adapter);
   vo_table_reader_close(reader);
