@@ -29,10 +29,15 @@ def headline(build_folder, rounds):
             f"Linux {os.uname().release.partition('-')[0]}; {compiler}; rounds: {rounds}")
 
 
+def size_of(result):
+    """The bytes that a case's results are given by: the data's own word, else the size of its file."""
+    return result.expected.get("size") or os.path.getsize(result.data.path)
+
+
 def table_row(result, results):
     """The cells of a case as text, in the order of HEADINGS."""
     case = result.case
-    size = os.path.getsize(result.data.path)
+    size = size_of(result)
     if result.absent:
         return [case.name] + [NOTHING] * (len(HEADINGS) - 2) + ["not installed"]
     times = result.good_seconds()
@@ -77,7 +82,7 @@ def per_byte_rows(results):
     """Nanoseconds a byte of every case: the median of the rounds, the least and the most."""
     rows = []
     for name, result in results.items():
-        size = os.path.getsize(result.data.path)
+        size = size_of(result)
         costs = [seconds / size * 1e9 for seconds in result.good_seconds()]
         if costs:
             rows.append([name] + [f"{cost:.3f}" for cost in (median(costs), min(costs), max(costs))])
@@ -86,7 +91,7 @@ def per_byte_rows(results):
 
 def spread_line(results):
     """How far the sizes are apart: the largest median a byte by the smallest."""
-    medians = [median(result.good_seconds()) / os.path.getsize(result.data.path)
+    medians = [median(result.good_seconds()) / size_of(result)
                for name, result in results.items() if name.endswith("/read") and result.good_seconds()]
     return f"Spread of read over the sizes: {max(medians) / min(medians):.2f}" if medians else ""
 

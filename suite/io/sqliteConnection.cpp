@@ -58,10 +58,14 @@ struct databaseHeader {
   }
   // The version that readers must know; 2 is write-ahead mode.
   bool isWriteAhead() const { return bytes[19] == 2; }
+  bool isDatabase() const {
+    constexpr std::string_view mark("SQLite format 3", 16);
+    return std::equal(mark.begin(), mark.end(), bytes.begin());
+  }
   // What the file must have at least; 0 when an old engine has not kept the number up.
   std::uint64_t leastSize() const {
     const std::uint64_t pageSize = static_cast<std::uint64_t>(bytes[16] << 8 | bytes[17]);
-    const bool isKeptUp = number(24) == number(92);
+    const bool isKeptUp = isDatabase() && number(24) == number(92);
     return isKeptUp ? number(28) * (pageSize == 1 ? 65536 : pageSize) : 0;
   }
 };

@@ -1,6 +1,6 @@
 #include "table_rw/readers/tableReader_sqlite.h"
 
-#include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -33,15 +33,29 @@ std::wstring columnList(const std::vector<std::wstring>& names) {
   return list;
 }
 
+// True when no byte is NUL or beyond ASCII: most values, told eight bytes at a time.
+bool isPlain(std::string_view bytes) {
+  constexpr std::uint64_t lowest = 0x0101010101010101U;
+  constexpr std::uint64_t highest = 0x8080808080808080U;
+  const char* next = bytes.data();
+  std::size_t left = bytes.size();
+  std::uint64_t word = 0;
+  for (; left >= sizeof word; next += sizeof word, left -= sizeof word) {
+    std::memcpy(&word, next, sizeof word);
+    if (((word | (word - lowest)) & highest) != 0) return false;
+  }
+  for (; left > 0; ++next, --left)
+    if (static_cast<signed char>(*next) <= 0) return false;
+  return true;
+}
+
 // Adds what get_as_wstring would give, without the wide string on the way where the bytes are the same.
 void addValue(valueTable& rows, std::string_view bytes) {
-  if (const void* const nul = std::memchr(bytes.data(), '\0', bytes.size()))
-    bytes = bytes.substr(0, static_cast<std::size_t>(static_cast<const char*>(nul) - bytes.data()));
-  if (isValidUtf8(bytes))
-    rows.addValue(bytes);
-  else
-    rows.addValue(std::wstring_view(
-        decodeText(bytes.data(), static_cast<std::int32_t>(bytes.size()), encodingUtf8)));
+  if (isPlain(bytes)) return rows.addValue(bytes);
+  bytes = bytes.substr(0, bytes.find('\0'));
+  if (isValidUtf8(bytes)) return rows.addValue(bytes);
+  rows.addValue(std::wstring_view(
+      decodeText(bytes.data(), static_cast<std::int32_t>(bytes.size()), encodingUtf8)));
 }
 
 }  // namespace

@@ -109,7 +109,7 @@ class sqliteReader : public testing::Test {
 };
 
 TEST_F(sqliteReader, theFactoryChoosesIt) {
-  for (const wchar_t* const name : {L"a.sqlite", L"a.well2", L"a.WELL2"}) {
+  for (const wchar_t* const name : {L"a.sqlite", L"a.well2", L"b.WELL2"}) {
     sqliteDatabase(folder_.file(name)).run("CREATE TABLE t(a); INSERT INTO t VALUES(5)");
     const auto reader = testSupport::openReader(optionsFor(folder_.file(name), L"t"));
     EXPECT_TRUE(reader->read());
