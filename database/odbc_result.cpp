@@ -42,7 +42,5 @@ double odbc_result::get_as_double(int column) {
 }
 
 std::string_view odbc_result::get_as_utf8(int column) {
-  std::size_t size = 0;
-  const char* const bytes = vo_sqlite_stmt_get_utf8(statement_.get(), column, &size);
-  return {bytes, size};
+  return vo_sqlite_stmt_get_utf8(statement_.get(), column, nullptr);
 }

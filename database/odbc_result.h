@@ -40,7 +40,7 @@ class VOK_API odbc_result {
   std::wstring get_as_wstring(int column);
   int get_as_int(int column);
   double get_as_double(int column);
-  /// The column's text as the database holds it, in UTF-8 that may be broken and hold NUL characters; it
+  /// The column's text up to its first NUL character in the UTF-8 of the database, which may be broken; it
   /// lives until the next step.
   std::string_view get_as_utf8(int column);
 

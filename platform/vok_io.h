@@ -89,7 +89,7 @@ void vo_sqlite_stmt_get_str(Ivo_sqlite_stmt* statement, int column, vo_string_ad
 
 /* The bytes of the same text as the database holds it, NUL characters and broken UTF-8 included, for a caller
  * that has no use for a wide string. They are followed by a NUL and live until the next step.
- * @param size  receives their number
+ * @param size  receives their number; null for a caller that reads up to the first NUL
  * @return never null */
 const char* vo_sqlite_stmt_get_utf8(Ivo_sqlite_stmt* statement, int column, size_t* size);
 

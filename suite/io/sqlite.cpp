@@ -39,14 +39,19 @@ preparedStatement prepare(sqlite3* connection, const char* sql, const char** res
   return preparedStatement(statement);
 }
 
-// The bytes of a column as text; of NULL none.
-std::string_view columnBytes(sqlite3_stmt* statement, int column) {
+// A column as text; NULL is empty.
+const char* columnText(sqlite3_stmt* statement, int column) {
   const auto* const text =
       static_cast<const char*>(static_cast<const void*>(sqlite3_column_text(statement, column)));
-  if (text != nullptr)
-    return {text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
+  if (text != nullptr) return text;
   if (sqlite3_errcode(sqlite3_db_handle(statement)) == SQLITE_NOMEM) throw std::bad_alloc();
-  return {"", 0};
+  return "";
+}
+
+// The same with its length, NUL characters included.
+std::string_view columnBytes(sqlite3_stmt* statement, int column) {
+  const char* const text = columnText(statement, column);
+  return {text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
 }
 
 std::wstring decoded(std::string_view bytes) {
@@ -215,8 +220,11 @@ void vo_sqlite_stmt_get_str(Ivo_sqlite_stmt* statement, int column, vo_string_ad
 }
 
 const char* vo_sqlite_stmt_get_utf8(Ivo_sqlite_stmt* statement, int column, size_t* size) {
-  const std::string_view bytes =
-      statement == nullptr ? std::string_view("", 0) : statement->bytes(column);
+  if (size != nullptr) *size = 0;
+  if (statement == nullptr) return "";
+  if (size == nullptr && statement->declaredText(column) == nullptr)
+    return columnText(statement->statement.get(), column);
+  const std::string_view bytes = statement->bytes(column);
   if (size != nullptr) *size = bytes.size();
   return bytes.data();
 }

@@ -33,27 +33,22 @@ std::wstring columnList(const std::vector<std::wstring>& names) {
   return list;
 }
 
-// True when no byte is NUL or beyond ASCII: most values, told eight bytes at a time.
-bool isPlain(std::string_view bytes) {
-  constexpr std::uint64_t lowest = 0x0101010101010101U;
-  constexpr std::uint64_t highest = 0x8080808080808080U;
+// Most values, told eight bytes at a time.
+bool isAscii(std::string_view bytes) {
   const char* next = bytes.data();
   std::size_t left = bytes.size();
-  std::uint64_t word = 0;
-  for (; left >= sizeof word; next += sizeof word, left -= sizeof word) {
+  std::uint64_t seen = 0;
+  for (std::uint64_t word = 0; left >= sizeof word; next += sizeof word, left -= sizeof word) {
     std::memcpy(&word, next, sizeof word);
-    if (((word | (word - lowest)) & highest) != 0) return false;
+    seen |= word;
   }
-  for (; left > 0; ++next, --left)
-    if (static_cast<signed char>(*next) <= 0) return false;
-  return true;
+  for (; left > 0; ++next, --left) seen |= static_cast<unsigned char>(*next);
+  return (seen & 0x8080808080808080U) == 0;
 }
 
 // Adds what get_as_wstring would give, without the wide string on the way where the bytes are the same.
 void addValue(valueTable& rows, std::string_view bytes) {
-  if (isPlain(bytes)) return rows.addValue(bytes);
-  bytes = bytes.substr(0, bytes.find('\0'));
-  if (isValidUtf8(bytes)) return rows.addValue(bytes);
+  if (isAscii(bytes) || isValidUtf8(bytes)) return rows.addValue(bytes);
   rows.addValue(std::wstring_view(
       decodeText(bytes.data(), static_cast<std::int32_t>(bytes.size()), encodingUtf8)));
 }
