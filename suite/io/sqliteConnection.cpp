@@ -12,6 +12,8 @@
 namespace suiteIo {
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr int busyMilliseconds = 5000;
 constexpr const wchar_t* memoryDatabase = L":memory:";
 
@@ -53,18 +55,19 @@ struct databaseHeader {
   std::array<unsigned char, 100> bytes = {};
 
   std::uint32_t number(std::size_t at) const {
-    return static_cast<std::uint32_t>(bytes[at]) << 24 | bytes[at + 1] << 16U |
-           bytes[at + 2] << 8U | bytes[at + 3];
+    std::uint32_t value = 0;
+    for (std::size_t i = at; i < at + 4; ++i) value = value << 8 | bytes[i];
+    return value;
   }
   // The version that readers must know; 2 is write-ahead mode.
   bool isWriteAhead() const { return bytes[19] == 2; }
   bool isDatabase() const {
-    constexpr std::string_view mark("SQLite format 3", 16);
+    constexpr std::string_view mark = "SQLite format 3\0"sv;
     return std::equal(mark.begin(), mark.end(), bytes.begin());
   }
   // What the file must have at least; 0 when an old engine has not kept the number up.
   std::uint64_t leastSize() const {
-    const std::uint64_t pageSize = static_cast<std::uint64_t>(bytes[16] << 8 | bytes[17]);
+    const std::uint64_t pageSize = number(16) >> 16;
     const bool isKeptUp = isDatabase() && number(24) == number(92);
     return isKeptUp ? number(28) * (pageSize == 1 ? 65536 : pageSize) : 0;
   }
