@@ -10,7 +10,7 @@ namespace tableRW {
 
 tableWriter_csv::tableWriter_csv(tableWriterOptions options)
     : options_(std::move(options)), encoder_(codePageOf(output_.encoding)) {
-  delimiter_.resize(options_.delimiter.size() * singleByteEncoder::mostBytes);
+  delimiter_.resize(options_.delimiter.size() * platform::singleByteEncoder::mostBytes);
   const char* const end = encoder_.encode(options_.delimiter, delimiter_.data());
   delimiter_.resize(static_cast<std::size_t>(end - delimiter_.data()));
   if (!output_.file.open(options_.fileName)) return;
@@ -34,7 +34,7 @@ std::string_view tableWriter_csv::encodeLine(const std::vector<std::wstring>& ro
   std::size_t elements = 0;
   for (const std::wstring& value : row) elements += value.size();
   const std::size_t most =
-      elements * singleByteEncoder::mostBytes + (row.size() - 1) * delimiter_.size() + 1;
+      elements * platform::singleByteEncoder::mostBytes + (row.size() - 1) * delimiter_.size() + 1;
   if (line_.size() < most) line_.resize(most + most / 2);
   char* const begin = line_.data();
   char* end = begin;

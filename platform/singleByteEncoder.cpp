@@ -1,11 +1,11 @@
-#include "table_rw/text/singleByteEncoder.h"
+#include "platform/singleByteEncoder.h"
 
 #include <cstdint>
 #include <utility>
 
 #include "platform/codePages.h"
 
-namespace tableRW {
+namespace platform {
 namespace {
 
 constexpr std::uint32_t elementBits = sizeof(wchar_t) == 2 ? 0xFFFF : 0xFFFFFFFF;
@@ -35,7 +35,7 @@ const singleByteEncoder::page& singleByteEncoder::makePage(unsigned number) {
   for (unsigned i = 0; i < pageSize; ++i) {
     const auto unit = static_cast<wchar_t>(number * pageSize + i);
     char byte = '?';
-    platform::encodeCodePage(codePage_, &unit, 1, &byte, 1);
+    encodeCodePage(codePage_, &unit, 1, &byte, 1);
     (*made)[i] = byte;
   }
   pages_[number] = std::move(made);
@@ -63,4 +63,4 @@ char* singleByteEncoder::encode(std::wstring_view text, char* to) {
   return to;
 }
 
-}  // namespace tableRW
+}  // namespace platform

@@ -1,5 +1,5 @@
 // The encoder of the writers against encodeText.
-#include "table_rw/text/singleByteEncoder.h"
+#include "platform/singleByteEncoder.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-using tableRW::singleByteEncoder;
+using platform::singleByteEncoder;
 
 std::string encoded(singleByteEncoder& encoder, const std::wstring& text) {
   std::string bytes(text.size() * singleByteEncoder::mostBytes, 'x');
