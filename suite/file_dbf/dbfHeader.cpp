@@ -92,6 +92,24 @@ bool readBytes(platform::binaryFile& file, std::size_t size, std::string& bytes)
   return file.seek(0) && file.read(bytes.data(), size) == size;
 }
 
+char byteOf(platform::binaryFile& file, std::uint64_t position) {
+  char byte = 0;
+  return file.seek(position) && file.read(&byte, 1) == 1 ? byte : '\0';
+}
+
+bool isRecordMark(char byte) { return byte == liveMark || byte == deletedMark; }
+
+// FORMAT: Visual FoxPro leaves room for the name of a database behind its descriptors. Some programs do not
+// count it in the header's length, and the records begin behind it all the same.
+void skipUncountedBacklink(platform::binaryFile& file, std::size_t descriptors,
+                           tableHeader& header) {
+  const std::size_t listed = descriptorsDbase3.first + descriptors * descriptorsDbase3.size + 1;
+  if (header.level != fileLevel::visualFoxPro || header.recordsAt != listed) return;
+  if (isRecordMark(byteOf(file, listed)) || !isRecordMark(byteOf(file, listed + backlinkSize)))
+    return;
+  header.recordsAt = listed + backlinkSize;
+}
+
 bool readDbase2(platform::binaryFile& file, tableHeader& header) {
   std::string bytes;
   if (!readBytes(file, recordsAt2, bytes)) return false;
@@ -124,6 +142,7 @@ bool readLater(platform::binaryFile& file, tableHeader& header) {
     for (descriptor& each : list) each.flags = 0;
   }
   if (!chooseLengths(list, header.recordLength)) return false;
+  skipUncountedBacklink(file, list.size(), header);
   addFields(list, header);
   return true;
 }
