@@ -76,7 +76,8 @@ enum { vo_dbf_padding = 16 };
 
 /* House addition, for reading whole tables: all values of a record, in field order, with the bytes that
  * vo_dbf_get_str answers. Records that are asked for one after the other are found without counting
- * them first.
+ * them first. In one pass over ascending records memo texts end behind sixteen times their file (and 1 MiB):
+ * records that all name one long text would fill any memory else.
  * Returns null when there is no such record; the values live until the next call with this handle. */
 const vo_dbf_value* vo_dbf_get_record(vo_dbf* table, int32_t record);
 

@@ -45,7 +45,7 @@ inline constexpr descriptorLayout descriptorsDbase3 = {headerSize, 32, 11, 11, 1
 inline constexpr descriptorLayout descriptorsDbase7 = {68, 48, 32, 32, 33, 34};
 inline constexpr descriptorLayout descriptorsDbase2 = {8, 16, 11, 11, 12, 15};
 inline constexpr std::size_t backlinkSize = 263;  // behind the descriptors of Visual FoxPro
-inline constexpr std::size_t fieldFlagsAt = 18;  // Visual FoxPro alone
+inline constexpr std::size_t fieldFlagsAt = 18;   // Visual FoxPro alone
 inline constexpr unsigned flagNullable = 0x02;
 
 inline constexpr unsigned char descriptorsEnd = 0x0D;

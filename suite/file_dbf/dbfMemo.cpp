@@ -53,6 +53,12 @@ bool memoFile::readHeader() {
 
 bool memoFile::read(std::uint64_t block, std::string& text) {
   text.clear();
+  if (handedOut_ > mostPasses * size_ + alwaysAllowed || !find(block, text)) return false;
+  handedOut_ += text.size();
+  return true;
+}
+
+bool memoFile::find(std::uint64_t block, std::string& text) {
   if (!file_.isOpen() || block == 0 || block > size_ / blockSize_) return false;
   const std::uint64_t at = block * blockSize_;
   if (layout_ == layout::dbase3) return readUpToEndMark(at, text);

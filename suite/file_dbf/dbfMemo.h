@@ -29,7 +29,16 @@ class memoFile {
   /// Reads the text at a block into `text`. @return false when there is none
   bool read(std::uint64_t block, std::string& text);
 
+  /// Begins to count anew how much was handed out. WHY it is counted: records that all name one long text
+  /// would make a table of any size from a small file. A pass over a sound table hands out each text once;
+  /// behind sixteen times the file there is no text any more.
+  void beginPass() { handedOut_ = 0; }
+
  private:
+  static constexpr std::uint64_t mostPasses = 16;
+  static constexpr std::uint64_t alwaysAllowed = std::uint64_t{1} << 20;
+
+  bool find(std::uint64_t block, std::string& text);
   enum class layout { dbase3, dbase4, foxPro };
 
   bool openBeside(const std::wstring& tablePath, const wchar_t* extension, layout kind);
@@ -41,6 +50,7 @@ class memoFile {
   layout layout_ = layout::dbase3;
   std::uint64_t size_ = 0;
   std::uint64_t blockSize_ = 0;
+  std::uint64_t handedOut_ = 0;  // bytes of texts since the pass began
 };
 
 }  // namespace fileDbf

@@ -42,6 +42,7 @@ class tableSource {
 
   const char* text(std::uint32_t field, std::int32_t record, bool& hasValue) {
     hasValue = false;
+    if (memos_) memos_->beginPass();
     const char* const bytes = bytesOf(record);
     if (bytes == nullptr || field >= header_.fields.size()) return "";
     const vo_dbf_value found = value(field, bytes);
@@ -54,6 +55,8 @@ class tableSource {
   const vo_dbf_value* record(std::int32_t record) {
     const char* const bytes = bytesOf(record);
     if (bytes == nullptr) return nullptr;
+    if (memos_ && record <= lastAtOnce_) memos_->beginPass();
+    lastAtOnce_ = record;
     for (std::size_t field = 0; field < header_.fields.size(); ++field) {
       std::string& computed = computed_[field];
       vo_dbf_value found = value(field, bytes);
@@ -83,6 +86,7 @@ class tableSource {
   std::vector<vo_dbf_value>
       values_;  // one more than fields, so that a table without any has an address
   std::string text_;
+  std::int32_t lastAtOnce_ = -1;
 };
 
 class fileOutput final : public fileDbf::tableOutput {

@@ -117,6 +117,23 @@ TEST(dbfMemo, nothingGoesRoundInCircles) {
   EXPECT_EQ(testSupport::recordsOf(table.get()), "~");
 }
 
+// A small table whose records all name one long text does not become a table of any size.
+TEST(dbfMemo, aTextThatAllRecordsNameEndsSomewhere) {
+  const testSupport::temporaryFolder folder;
+  constexpr std::size_t size = 65536;
+  folder.write(L"t.dbt", filled("", 512) + std::string(size, 'x') + "\x1A");
+  dbfBuilder builder("M M10", 0x83);
+  for (int i = 0; i < 400; ++i) builder.record("         1");
+  const testSupport::ownedDbf table = testSupport::openDbf(folder.write(L"t.dbf", builder.bytes()));
+  std::size_t texts = 0;
+  for (std::int32_t record = 0; record < 400; ++record)
+    texts += vo_dbf_get_record(table.get(), record)->bytes != nullptr ? 1U : 0U;
+  EXPECT_GT(texts, 16u);
+  EXPECT_LT(texts, 40u);
+  ASSERT_NE(vo_dbf_get_record(table.get(), 0)->bytes, nullptr) << "a new pass begins anew";
+  EXPECT_EQ(testSupport::valueOf(table.get(), 0, 399).size(), size) << "one value alone is there";
+}
+
 TEST(dbfMemo, everyCutOfAMemoFile) {
   const testSupport::temporaryFolder folder;
   for (const unsigned version : {0x83u, 0x8Bu, 0xF5u}) {
