@@ -8,7 +8,7 @@
 // that are a surrogate pair are read as the one character they name, and a character beyond the BMP
 // counts as two units where a page has no such character ("??").
 //
-// No state; any thread.
+// No state but the host's choice of the system's code page; any thread.
 #ifndef VOK_PLATFORM_CODEPAGES_H
 #define VOK_PLATFORM_CODEPAGES_H
 
@@ -18,9 +18,16 @@ constexpr unsigned systemCodePage = 0;
 constexpr unsigned utf8CodePage = 65001;
 
 /// The number of the code page that 0 stands for at this moment; any other number comes back as it
-/// is. On POSIX it is the character set of the locale that LC_ALL, LC_CTYPE or LANG names (the
+/// is. It is the page that was chosen last, if any; else on Windows the system's, on POSIX the character set of the locale that LC_ALL, LC_CTYPE or LANG names (the
 /// first that is set and not empty); C, POSIX, and what is unknown or unsupported mean UTF-8.
 unsigned resolveCodePage(unsigned codePage);
+
+/// Chooses the page that 0 stands for in this process from now on; 0 leaves it to the system again.
+/// @return false, and nothing changes, for a page that is not supported
+bool chooseSystemCodePage(unsigned codePage);
+
+/// The page that was chosen; 0 when none was.
+unsigned chosenSystemCodePage();
 
 /// Decodes narrow text.
 /// @param length    number of bytes; negative: up to and including the first NUL byte

@@ -26,6 +26,16 @@ std::wstring temporaryFolder();
 /// A number that no other running thread of this process has.
 std::uint32_t currentThreadId();
 
+/// A day of the calendar.
+struct calendarDay {
+  int year;
+  int month;  ///< from 1
+  int day;    ///< from 1
+};
+
+/// Today, where the process believes to be.
+calendarDay today();
+
 /// A count that grows with time, in the unit of CLOCKS_PER_SEC: what `clock()` answers.
 long clockCount();
 

@@ -40,6 +40,10 @@ bool isPipeOrDevice(const std::wstring& path);
 /// @return false also when the old file is read-only; nothing is moved then
 bool replaceFile(const std::wstring& from, const std::wstring& to);
 
+/// The path of the file whose name differs from the wanted one in letter case at most: the wanted
+/// path itself when it exists, else the first that its folder lists. Empty when there is none.
+std::wstring findIgnoringCase(const std::wstring& path);
+
 /// Creates one folder level. @return false when it already exists or its parent is missing
 bool createFolder(const std::wstring& path);
 
@@ -80,6 +84,10 @@ class binaryFile {
 
   /// Writes all bytes. @return false when any of them could not be written or the file is not open
   bool write(const void* bytes, std::size_t size);
+
+  /// Moves to a byte, counted from 0, for the next read or write; behind the end is allowed.
+  /// @return false for a file that is not open or has no positions (a pipe)
+  bool seek(std::uint64_t position);
 
   /// The file's size in bytes; 0 for what has none (a pipe) and for a file that is not open.
   std::uint64_t size() const;

@@ -1,4 +1,5 @@
-/* vok_basic: string adapters, string lists and suite paths, as plain C and, for C++, as classes.
+/* vok_basic: string adapters, string lists, transliteration and suite paths, as plain C and, for C++, as
+ * classes.
  *
  * A string adapter is how strings cross a module boundary: the receiving side makes an adapter, the
  * sending side feeds it, and no memory changes hands. A C++ caller wraps an adapter object whose target
@@ -113,6 +114,14 @@ VOK_API const char* vo_strings_get_str(const vo_strings* list, size_t index);
 
 VOK_API void vo_strings_destroy(vo_strings* list);
 
+/* ---- text as ASCII ---- */
+
+/* Hands the transliteration of a wide text to the receiver, as narrow text of ASCII alone: letters of the
+ * Russian, Ukrainian, Belarusian and Kazakh alphabets as Latin letters ("Zh" for a capital that becomes
+ * several), Latin letters with marks without them, everything else that is not ASCII as "_". Case is
+ * kept; hard and soft signs vanish. A null text is handed over as the empty string. */
+VOK_API void vo_translit(const wchar_t* text, vo_string_adp* receiver);
+
 /* ---- suite paths ---- */
 
 /* Full path of the suite's main module: what vo_options_set_main_module_path set, else the running
@@ -127,6 +136,15 @@ VOK_API void vo_options_set_main_module_path(const wchar_t* path);
 /* The system's folder for temporary files, with a trailing separator.
  * The text lives until the next call of this function in the same thread. */
 VOK_API const wchar_t* vo_options_get_temp_wpath(void);
+
+/* ---- the system's code page ---- */
+
+/* Chooses the code page that stands for the system's own ("SYSTEM", "ANSI") everywhere in the library from
+ * now on, for a host whose files come from another system: 866 reads the DBF files of DOS. 0 gives the
+ * choice back to the system; a number that is no supported page leaves everything as it is.
+ * Returns 1 when the page was taken, else 0. Call it before readers and writers are opened; what is open
+ * may go on with the page before. Any thread may call it. */
+VOK_API int vo_options_set_system_code_page(unsigned code_page);
 
 #ifdef __cplusplus
 }

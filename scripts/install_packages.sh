@@ -15,7 +15,7 @@ set -u
 
 packages_of() {
   local run="cmake g++ libcli11-dev libfmt-dev libsqlite3-dev ninja-build"
-  local native="$run binutils gcc googletest python3"
+  local native="$run binutils gcc googletest python3 python3-dbfread"
   case $1 in
     run) echo "$run" ;;
     native) echo "$native" ;;
@@ -23,7 +23,7 @@ packages_of() {
     lint) echo "$native clang-format clang-tidy" ;;
     fuzz) echo "$run clang" ;;
     bench) echo "$run python3" ;;
-    bench-peers) echo "$run python3 libcsv-dev libgdal-dev python3-pandas" ;;
+    bench-peers) echo "$run python3 libcsv-dev libgdal-dev libshp-dev python3-dbfread python3-pandas" ;;
     *) echo "install_packages.sh: unknown set '$1'" >&2; return 1 ;;
   esac
 }

@@ -42,6 +42,8 @@ void addReadingOptions(CLI::App& command, readingArguments& arguments) {
             "First line of data; the line after the header when not given");
   addOption(command, "--table", arguments.table, "NAME",
             "Table or sheet, where the file holds several");
+  addOption(command, "--system-encoding", arguments.systemEncoding, "NAME",
+            "Code page to use as the system's own: the text of DBF files is in it");
 }
 
 CLI::App& addReadingCommand(CLI::App& tool, const char* name, const char* text,
@@ -79,6 +81,8 @@ void addCommands(CLI::App& tool, commandLine& request) {
                    "Write nothing when the target cannot hold all values");
   addOption(convert, "--output-delimiter", request.targetDelimiter, "TEXT",
             "What separates values in delimited text; ';' when not given");
+  addOption(convert, "--fields", request.targetFields, "FIELD=TYPE,...",
+            "Types of a DBF file: C20, N10.2, D; chosen from the data when not given");
 
   tool.add_subcommand("formats", "List the formats, and what this version does with each")
       ->group("Commands");

@@ -23,6 +23,7 @@ struct commandLine {
   std::string shownField;                      ///< find
   std::string target;                          ///< convert
   std::optional<std::string> targetDelimiter;  ///< convert
+  std::optional<std::string> targetFields;     ///< convert: the types of a DBF file, as written
   bool force = false;                          ///< convert: replace an existing target
   bool strict = false;                         ///< convert: refuse what the target cannot hold
 };

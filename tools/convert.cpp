@@ -13,10 +13,12 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/codePages.h"
 #include "platform/files.h"
 #include "table_rw/writers/tableWriter.h"
 #include "tools/commands.h"
 #include "tools/csvLimits.h"
+#include "tools/dbfPlan.h"
 #include "tools/formats.h"
 #include "tools/interruption.h"
 #include "tools/progress.h"
@@ -74,12 +76,39 @@ class conversion {
     if (isWrittenAsDelimitedText(target_)) examineForCsv();
   }
 
+  /// Chooses the fields of a DBF file and finds what it cannot hold. @return false, explained, when the
+  /// table cannot become one
+  bool planDbf() {
+    const progressLine progress(messages_, fmt::format("examining {}", request_.reading.file));
+    dbfPlan plan(platform::resolveCodePage(platform::systemCodePage));
+    if (const auto wrong = plan.choose(reader_, request_.targetFields)) {
+      messages_.error(*wrong);
+      return false;
+    }
+    options_.fields = plan.fields();
+    for (std::size_t field = 0; field < options_.fields.size(); ++field)
+      if (const auto reason = plan.nameProblem(field))
+        losses_.add("the header", reader_.fieldName(field), *reason);
+    std::vector<std::wstring> row;
+    for (std::size_t number = 0; number < reader_.count(); ++number) {
+      reader_.getRow(number, row);
+      for (std::size_t field = 0; field < row.size(); ++field)
+        if (const auto reason = plan.problem(field, row[field]))
+          losses_.add(fmt::format("row {}", grouped(number + 1)), reader_.fieldName(field),
+                      *reason);
+    }
+    expectedSize_ = plan.fileSize(reader_.count());
+    return true;
+  }
+
   exitCode run() {
     if (request_.strict && losses_.count > 0) {
       messages_.error(fmt::format(
           "nothing was written: {} cannot hold {} unchanged; leave out --strict to write "
-          "all the same, or choose another --output-delimiter or format",
-          request_.target, counted(losses_.count, "value")));
+          "all the same, or choose {}",
+          request_.target, counted(losses_.count, "value"),
+          isWrittenAsDbf(target_) ? "other --fields, another --system-encoding or format"
+                                  : "another --output-delimiter or format"));
       losses_.explain(messages_);
       return exitCode::writeFailed;
     }
@@ -169,7 +198,7 @@ class conversion {
   const messageWriter& messages_;
   std::wstring target_;
   tableRW::tableWriterOptions options_;
-  std::optional<std::uint64_t> expectedSize_;  // known for delimited text alone
+  std::optional<std::uint64_t> expectedSize_;  // where it can be known beforehand
   losses losses_;
 };
 
@@ -180,6 +209,10 @@ exitCode checkTarget(const commandLine& request, const messageWriter& messages) 
   const std::string& name = request.target;
   if (target.empty()) {
     messages.error("the name of the target is empty");
+    return exitCode::usage;
+  }
+  if (request.targetFields && !isWrittenAsDbf(target)) {
+    messages.error(fmt::format("--fields is for DBF files, and {} is none", name));
     return exitCode::usage;
   }
   if (delimiter.empty() || delimiter.find(L'"') != std::wstring::npos ||
@@ -227,7 +260,9 @@ exitCode convertTable(const commandLine& request, toolContext& context) {
         fmt::format("{} holds no fields: there is nothing to write", request.reading.file));
     return exitCode::cannotOpen;
   }
-  const exitCode written = conversion(request, *reader, context.messages).run();
+  conversion work(request, *reader, context.messages);
+  if (isWrittenAsDbf(toWide(request.target)) && !work.planDbf()) return exitCode::usage;
+  const exitCode written = work.run();
   return worse(written, concludeReading(*reader, request.reading, context));
 }
 

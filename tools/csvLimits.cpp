@@ -2,10 +2,8 @@
 
 #include <fmt/format.h>
 
-#include <array>
 #include <utility>
 
-#include "platform/codePages.h"
 #include "tools/text.h"
 
 namespace vokTable {
@@ -18,15 +16,8 @@ constexpr wchar_t quotationMark = L'"';
 
 }  // namespace
 
-csvLimits::csvLimits(std::wstring delimiter) : delimiter_(std::move(delimiter)) {
-  std::array<char, 256> bytes;
-  for (std::size_t byte = 0; byte < bytes.size(); ++byte) bytes[byte] = static_cast<char>(byte);
-  std::array<wchar_t, 256> characters{};
-  const int count =
-      platform::decodeCodePage(writtenCodePage, bytes.data(), 256, characters.data(), 256);
-  const std::wstring_view decoded(characters.data(), static_cast<std::size_t>(count));
-  for (std::size_t at = 0; at < decoded.size();) encodable_.set(nextCharacter(decoded, at));
-}
+csvLimits::csvLimits(std::wstring delimiter)
+    : delimiter_(std::move(delimiter)), page_(writtenCodePage) {}
 
 std::optional<std::string> csvLimits::characterProblem(std::wstring_view text) const {
   for (std::size_t at = 0; at < text.size();) {
@@ -34,7 +25,7 @@ std::optional<std::string> csvLimits::characterProblem(std::wstring_view text) c
     if (character == 0) return "holds a NUL character, which ends the line";
     if (character == U'\n' || character == U'\r') return "holds a line break";
     if (character == endOfText) return "holds Ctrl-Z (0x1A), which ends the file when it is read";
-    if (character > 0xFFFF || !encodable_[character])
+    if (!page_.holds(character))
       return fmt::format("holds a character outside Windows-1251 (U+{:04X})",
                          static_cast<std::uint32_t>(character));
   }

@@ -7,12 +7,13 @@
 #ifndef VOK_TOOLS_CSVLIMITS_H
 #define VOK_TOOLS_CSVLIMITS_H
 
-#include <bitset>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "tools/codePageLimits.h"
 
 namespace vokTable {
 
@@ -33,7 +34,7 @@ class csvLimits {
   bool isCutAtDelimiter(std::wstring_view value) const;
 
   std::wstring delimiter_;
-  std::bitset<0x10000> encodable_;  // characters that Windows-1251 has a byte of their own for
+  codePageLimits page_;
 };
 
 }  // namespace vokTable

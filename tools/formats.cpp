@@ -134,6 +134,8 @@ bool isWrittenAsDelimitedText(const std::wstring& path) {
   return extension != L"xls" && extension != L"xlsx" && extension != L"dbf";
 }
 
+bool isWrittenAsDbf(const std::wstring& path) { return writtenExtension(path) == L"dbf"; }
+
 void showFormats(dataOutput& output) {
   drawnTable table;
   table.header = {L"format", L"type", L"extensions", L"read", L"write"};

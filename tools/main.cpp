@@ -57,6 +57,10 @@ exitCode runTool(const std::vector<std::wstring>& arguments) {
     context.output.text(toWide(parsed.help));
     return context.output.finish(context.messages, exitCode::clean);
   }
+  if (const auto problem = applySystemEncoding(parsed.request->reading)) {
+    context.messages.error(*problem);
+    return exitCode::usage;
+  }
   const auto* const command =
       std::find_if(std::begin(commands), std::end(commands),
                    [&](const auto& each) { return each.name == parsed.request->command; });

@@ -6,6 +6,8 @@
 #include <charconv>
 #include <limits>
 
+#include "platform/codePages.h"
+#include "platform/vok_basic.h"
 #include "table_rw/text/textEncoding.h"
 #include "tools/formats.h"
 #include "tools/text.h"
@@ -90,6 +92,21 @@ std::string shellWord(const std::string& word) {
 
 }  // namespace
 
+std::optional<std::string> applySystemEncoding(const readingArguments& arguments) {
+  if (!arguments.systemEncoding) return std::nullopt;
+  const auto row = findEncoding(*arguments.systemEncoding);
+  const unsigned codePage = row ? tableRW::codePageOf(*row) : platform::systemCodePage;
+  const bool isItself = row == tableRW::encodingSystem;
+  // The library keeps its own choice; the tool looks at the same page when it tells what fits.
+  if (row && (codePage != platform::systemCodePage || isItself) &&
+      platform::chooseSystemCodePage(codePage) && vo_options_set_system_code_page(codePage) != 0)
+    return std::nullopt;
+  return fmt::format(
+      "--system-encoding {} cannot be a system's code page: give UTF-8, ASCII, CP866 or "
+      "CP1250 to CP1258",
+      inQuotes(*arguments.systemEncoding));
+}
+
 std::optional<std::uint64_t> parseCount(std::string_view text) {
   return wholeNumber<std::uint64_t>(text);
 }
@@ -159,6 +176,7 @@ std::string commandFor(std::string_view command, const readingArguments& argumen
   append("--header-row", arguments.headerRow);
   append("--data-row", arguments.dataRow);
   append("--table", arguments.table);
+  append("--system-encoding", arguments.systemEncoding);
   return line;
 }
 

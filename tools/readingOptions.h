@@ -29,12 +29,17 @@ struct readingArguments {
   std::optional<std::string> headerRow;
   std::optional<std::string> dataRow;
   std::optional<std::string> table;
+  std::optional<std::string> systemEncoding;
 };
 
 /// The options of a reader.
 /// @param problem  what is wrong with the arguments, when nothing is answered
 std::optional<tableRW::tableReaderOptions> makeReaderOptions(const readingArguments& arguments,
                                                              std::string& problem);
+
+/// Makes the chosen code page the system's own for this process, in the library and in the tool.
+/// @return what is wrong with the argument; nothing when there is none or all is well
+std::optional<std::string> applySystemEncoding(const readingArguments& arguments);
 
 /// A count as a user writes it, in digits; nothing when it is none.
 std::optional<std::uint64_t> parseCount(std::string_view text);

@@ -2,8 +2,16 @@
 
 #include "platform/environment.h"
 #include "platform/files.h"
+#include "tools/formats.h"
 
 namespace vokTable {
+namespace {
+
+std::wstring codePageFileOf(const std::wstring& table) {
+  return table.substr(0, table.rfind(L'.')) + L".cpg";
+}
+
+}  // namespace
 
 targetFile::targetFile(const std::wstring& target) : target_(target) {
   const std::size_t name = target.find_last_of(L"/\\") + 1;  // 0 when there is neither
@@ -19,12 +27,22 @@ targetFile::targetFile(const std::wstring& target) : target_(target) {
 }
 
 targetFile::~targetFile() {
-  if (!isFinished_) platform::removeFile(temporaryPath_);
+  if (isFinished_) return;
+  platform::removeFile(temporaryPath_);
+  if (isWrittenAsDbf(target_)) platform::removeFile(codePageFileOf(temporaryPath_));
 }
 
 bool targetFile::finish() {
   isFinished_ = platform::replaceFile(temporaryPath_, target_);
-  return isFinished_;
+  return isFinished_ && finishCodePage();
+}
+
+bool targetFile::finishCodePage() const {
+  if (!isWrittenAsDbf(target_)) return true;
+  const std::wstring made = codePageFileOf(temporaryPath_);
+  const std::wstring wanted = codePageFileOf(target_);
+  if (platform::fileExists(made)) return platform::replaceFile(made, wanted);
+  return !platform::fileExists(wanted) || platform::removeFile(wanted);
 }
 
 }  // namespace vokTable

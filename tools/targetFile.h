@@ -1,5 +1,8 @@
 // The file that a conversion writes: under a temporary name in the target's folder first, and under
 // its own name, in one step, when it is whole.
+//
+// A DBF file may have a file beside it that tells its code page (.cpg). It goes along with the table; one
+// of an older table goes away.
 #ifndef VOK_TOOLS_TARGETFILE_H
 #define VOK_TOOLS_TARGETFILE_H
 
@@ -22,6 +25,8 @@ class targetFile {
   bool finish();
 
  private:
+  bool finishCodePage() const;
+
   std::wstring target_;
   std::wstring temporaryPath_;
   bool isFinished_ = false;

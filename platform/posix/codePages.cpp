@@ -222,6 +222,7 @@ unsigned codePageOfCharset(const std::string& charset) {
 
 unsigned resolveCodePage(unsigned codePage) {
   if (codePage != systemCodePage) return codePage;
+  if (const unsigned chosen = chosenSystemCodePage(); chosen != systemCodePage) return chosen;
   for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
     const char* const locale = std::getenv(variable);
     if (locale != nullptr && *locale != '\0') return codePageOfCharset(charsetOf(locale));

@@ -1,5 +1,6 @@
 #include "platform/files.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,8 +8,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <limits>
+#include <memory>
 #include <utility>
 
+#include "platform/caseFolding.h"
 #include "platform/posix/nativePath.h"
 
 namespace platform {
@@ -72,6 +76,21 @@ bool replaceFile(const std::wstring& from, const std::wstring& to) {
   return std::rename(source.c_str(), target.c_str()) == 0;
 }
 
+std::wstring findIgnoringCase(const std::wstring& path) {
+  if (fileExists(path)) return path;
+  const std::size_t name = path.find_last_of(L"/\\") + 1;  // 0 when there is neither
+  const std::wstring folder = path.substr(0, name);
+  const std::wstring wanted = lowerCase(path.substr(name));
+  const std::unique_ptr<DIR, int (*)(DIR*)> listing(
+      ::opendir(folder.empty() ? "." : nativePath(folder).c_str()), ::closedir);
+  if (listing == nullptr) return {};
+  while (const dirent* const entry = ::readdir(listing.get())) {
+    const std::wstring found = wideText(entry->d_name);
+    if (lowerCase(found) == wanted && fileExists(folder + found)) return folder + found;
+  }
+  return {};
+}
+
 bool createFolder(const std::wstring& path) { return ::mkdir(nativePath(path).c_str(), 0777) == 0; }
 
 bool removeFolder(const std::wstring& path) { return ::rmdir(nativePath(path).c_str()) == 0; }
@@ -123,6 +142,12 @@ bool binaryFile::write(const void* bytes, std::size_t size) {
       return false;
   }
   return true;
+}
+
+bool binaryFile::seek(std::uint64_t position) {
+  if (!isOpen() || position > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max()))
+    return false;
+  return ::lseek(static_cast<int>(handle_), static_cast<off_t>(position), SEEK_SET) >= 0;
 }
 
 std::uint64_t binaryFile::size() const {

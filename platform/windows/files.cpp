@@ -71,6 +71,11 @@ bool replaceFile(const std::wstring& from, const std::wstring& to) {
   return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
 }
 
+// The system itself does not tell small letters from capitals.
+std::wstring findIgnoringCase(const std::wstring& path) {
+  return fileExists(path) ? path : std::wstring();
+}
+
 bool createFolder(const std::wstring& path) { return CreateDirectoryW(path.c_str(), nullptr) != 0; }
 
 bool removeFolder(const std::wstring& path) { return RemoveDirectoryW(path.c_str()) != 0; }
@@ -137,6 +142,13 @@ bool binaryFile::write(const void* bytes, std::size_t size) {
     done += count;
   }
   return true;
+}
+
+bool binaryFile::seek(std::uint64_t position) {
+  LARGE_INTEGER wanted;
+  wanted.QuadPart = static_cast<LONGLONG>(position);
+  return isOpen() && wanted.QuadPart >= 0 &&
+         SetFilePointerEx(asHandle(handle_), wanted, nullptr, FILE_BEGIN) != 0;
 }
 
 std::uint64_t binaryFile::size() const {

@@ -1,20 +1,17 @@
 #include "table_rw/readers/csvBlockParser.h"
 
 #include <bit>
-#include <cstring>
 #include <limits>
 #include <string>
 #include <string_view>
 
-#include "table_rw/text/textConversion.h"
 #include "table_rw/text/utf8.h"
 
 namespace tableRW {
 namespace {
 
 constexpr std::size_t longestLine = std::numeric_limits<std::int32_t>::max();
-constexpr std::size_t copyStep = 16;
-static_assert(copyStep <= textModeInput::readAhead && copyStep <= valueTable::writeAhead);
+static_assert(textStep <= textModeInput::readAhead && textStep <= valueTable::writeAhead);
 
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
@@ -22,29 +19,6 @@ bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool isPlainMark(const std::wstring& text) {
   return text.size() == 1 && text[0] > 0 && text[0] < 0x80 && text[0] != L'\n' &&
          text[0] != L'\r' && text[0] != 0x1A;
-}
-
-bool hasOnlySingleBytes(unsigned codePage) {
-  return (codePage >= 1250 && codePage <= 1258) || codePage == 866;
-}
-
-// Copies short values without a call; reads and writes up to a step more than it has to.
-char* copyBytes(const char* from, std::size_t size, char* to) {
-  if (size <= copyStep) {
-    std::memcpy(to, from, copyStep);
-  } else if (size <= 2 * copyStep) {
-    std::memcpy(to, from, copyStep);
-    std::memcpy(to + copyStep, from + copyStep, copyStep);
-  } else {
-    std::memcpy(to, from, size);
-  }
-  return to + size;
-}
-
-bool isAsciiStep(const char* bytes) {
-  std::uint64_t words[2];
-  std::memcpy(words, bytes, copyStep);
-  return ((words[0] | words[1]) & 0x8080808080808080U) == 0;
 }
 
 constexpr std::uint64_t below(unsigned bit) { return (std::uint64_t{1} << bit) - 1; }
@@ -251,44 +225,27 @@ class csvBlockParser::scan {
   void addRow(std::size_t values, const char* begin, const char* end, PieceOf pieceOf) {
     const auto size = static_cast<std::size_t>(end - begin);
     if (parser_.kind_ == textKind::singleByte && line_.nonAscii) {
-      rows_.addRow(values, size * (sizeof(utf8OfByte) - 1),
+      rows_.addRow(values, size * singleByteDecoder::mostBytes,
                    [this, pieceOf](std::size_t i, char* to) mutable {
                      const piece value = trimmed(pieceOf(i));
-                     return convert(value, to);
+                     return parser_.decoder_.convert(value.begin, sizeOf(value), to);
                    });
     } else {
       rows_.addRow(values, size, [pieceOf](std::size_t i, char* to) mutable {
         const piece value = trimmed(pieceOf(i));
-        return copyBytes(value.begin, static_cast<std::size_t>(value.end - value.begin), to);
+        return copyText(value.begin, sizeOf(value), to);
       });
     }
+  }
+
+  static std::size_t sizeOf(piece value) {
+    return static_cast<std::size_t>(value.end - value.begin);
   }
 
   static piece trimmed(piece value) {
     while (value.begin != value.end && isBlank(*value.begin)) ++value.begin;
     while (value.begin != value.end && isBlank(value.end[-1])) --value.end;
     return value;
-  }
-
-  char* convert(piece value, char* to) const {
-    const char* from = value.begin;
-    while (from < value.end) {
-      const auto left = static_cast<std::size_t>(value.end - from);
-      if (isAsciiStep(from)) {
-        std::memcpy(to, from, copyStep);
-        const std::size_t step = left < copyStep ? left : copyStep;
-        to += step;
-        from += step;
-        continue;
-      }
-      for (const char* const stop = from + (left < copyStep ? left : copyStep); from < stop;
-           ++from) {
-        const utf8OfByte& bytes = parser_.toUtf8_[static_cast<unsigned char>(*from)];
-        std::memcpy(to, bytes.data(), bytes.size());
-        to += bytes.back();
-      }
-    }
-    return to;
   }
 
   // Forgets the lines that were taken, so that offsets count from the open line's start.
@@ -346,14 +303,7 @@ csvBlockParser::csvBlockParser(const tableReaderOptions& options, unsigned codeP
     kind_ = textKind::utf8;
   } else if (codePage == 20127) {
     kind_ = textKind::ascii;
-  } else if (hasOnlySingleBytes(codePage)) {
-    for (unsigned byte = 0; byte < 256; ++byte) {
-      const char narrow = static_cast<char>(byte);
-      const std::string utf8 = utf8FromWide(decodeBytes(&narrow, 1, codePage));
-      if (utf8.empty() || utf8.size() >= sizeof(utf8OfByte)) return;
-      std::memcpy(toUtf8_[byte].data(), utf8.data(), utf8.size());
-      toUtf8_[byte].back() = static_cast<char>(utf8.size());
-    }
+  } else if (decoder_.make(codePage)) {
     kind_ = textKind::singleByte;
   }
 }

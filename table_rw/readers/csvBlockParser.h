@@ -14,7 +14,6 @@
 #ifndef VOK_TABLE_RW_READERS_CSVBLOCKPARSER_H
 #define VOK_TABLE_RW_READERS_CSVBLOCKPARSER_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -22,6 +21,7 @@
 #include "table_rw/core/tableReaderOptions.h"
 #include "table_rw/core/valueTable.h"
 #include "table_rw/text/byteMasks.h"
+#include "table_rw/text/singleByteDecoder.h"
 #include "table_rw/text/textModeFile.h"
 
 namespace tableRW {
@@ -40,8 +40,6 @@ class csvBlockParser {
 
  private:
   enum class textKind { none, utf8, ascii, singleByte };
-  /// The UTF-8 bytes of one byte of a code page: up to three, their number in the last.
-  using utf8OfByte = std::array<char, 4>;
   struct piece {
     const char* begin;
     const char* end;
@@ -51,7 +49,7 @@ class csvBlockParser {
   textKind kind_ = textKind::none;
   textMarks marks_ = {};
   std::uint64_t dataPosition_;
-  std::array<utf8OfByte, 256> toUtf8_ = {};
+  singleByteDecoder decoder_;
 };
 
 }  // namespace tableRW

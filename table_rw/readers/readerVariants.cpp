@@ -4,6 +4,7 @@
 
 #include "table_rw/core/converterProgram.h"
 #include "table_rw/readers/tableReader_csv.h"
+#include "table_rw/readers/tableReader_dbf.h"
 #include "table_rw/readers/tableReader_dummy.h"
 #include "table_rw/readers/tableReader_sqlite.h"
 
@@ -22,7 +23,7 @@ constexpr readerVariant variants[] = {
     {fileTypeXlsConverter,  {L"xls", L"xlsx"},                   converterProgramExists, nullptr,     makeDummyReader         },
     {fileTypeXlsOdbc,       {L"xls", L"xlsx", L"mdb", L"accdb"}, nullptr,                nullptr,     makeDummyReader         },
     {fileTypeAccessOdbc,    {},                                  nullptr,                nullptr,     makeDummyReader         },
-    {fileTypeDbf,           {L"dbf"},                            nullptr,                nullptr,     makeDummyReader         },
+    {fileTypeDbf,           {L"dbf"},                            nullptr,                nullptr,     make<tableReader_dbf>   },
     {fileTypeSqlite,        {L"sqlite", L"well2"},               nullptr,                nullptr,     make<tableReader_sqlite>},
     {fileTypeMicromineData, {L"micromine"},                      nullptr,                nullptr,     makeDummyReader         },
     {fileTypeMicromineDhdb, {L"dhdb"},                           nullptr,                nullptr,     makeDummyReader         },

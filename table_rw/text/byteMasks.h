@@ -9,12 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#if defined(__SSE2__) || defined(_M_X64)
-#define VOK_HAS_SSE2 1
-#include <emmintrin.h>
-#else
-#define VOK_HAS_SSE2 0
-#endif
+#include "platform/sse2.h"
 
 namespace tableRW {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "table_rw/text/asciiSteps.h"
+#include "platform/asciiSteps.h"
 
 namespace tableRW {
 namespace {
@@ -183,7 +183,7 @@ std::wstring wideFromPaddedUtf8(std::string_view bytes) {
       (loadStep(first) & firstBytes[head]) | (loadStep(first + asciiStep) & firstBytes[tail]);
   if (!isAscii(words)) return wideFromUtf8(bytes);
   wchar_t buffer[2 * asciiStep];
-  widenSixteen(first, buffer);
+  platform::widenSixteen(first, buffer);
   return {buffer, bytes.size()};
 }
 

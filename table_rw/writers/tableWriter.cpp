@@ -5,6 +5,7 @@
 
 #include "table_rw/core/pathNames.h"
 #include "table_rw/writers/tableWriter_csv.h"
+#include "table_rw/writers/tableWriter_dbf.h"
 
 namespace tableRW {
 namespace {
@@ -25,7 +26,7 @@ constexpr struct {
 } writerVariants[] = {
     {L".xls",  refuse               },
     {L".xlsx", refuse               },
-    {L".dbf",  refuse               },
+    {L".dbf",  make<tableWriter_dbf>},
     {L".csv",  make<tableWriter_csv>},
 };
 

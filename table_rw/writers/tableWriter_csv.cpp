@@ -17,8 +17,8 @@ constexpr std::size_t longestLine = std::numeric_limits<std::int32_t>::max();  /
 
 tableWriter_csv::tableWriter_csv(tableWriterOptions options)
     : options_(std::move(options)), encoder_(codePageOf(output_.encoding)) {
-  delimiter_.resize(options_.delimiter.size() * singleByteEncoder::mostBytes);
-  const encodedText delimiter = encoder_.encode(options_.delimiter, delimiter_.data());
+  delimiter_.resize(options_.delimiter.size() * platform::singleByteEncoder::mostBytes);
+  const platform::encodedText delimiter = encoder_.encode(options_.delimiter, delimiter_.data());
   delimiter_.resize(static_cast<std::size_t>(delimiter.end - delimiter_.data()));
   delimiterIsPlain_ = delimiter_.find_first_of("\0\n"s) == std::string::npos;
   if (!output_.file.open(options_.fileName)) return;
@@ -35,12 +35,12 @@ bool tableWriter_csv::addRow(const std::vector<std::wstring>& row) {
   if (!output_.file.isOpen()) return true;
   std::size_t elements = 0;
   for (const std::wstring& value : row) elements += value.size();
-  char* const begin = output_.file.room(elements * singleByteEncoder::mostBytes +
+  char* const begin = output_.file.room(elements * platform::singleByteEncoder::mostBytes +
                                         (row.size() - 1) * delimiter_.size());
-  encodedText line = {begin, delimiterIsPlain_};
+  platform::encodedText line = {begin, delimiterIsPlain_};
   for (std::size_t i = 0; i < row.size(); ++i) {
     if (i > 0) line.end = std::copy(delimiter_.begin(), delimiter_.end(), line.end);
-    const encodedText value = encoder_.encode(row[i], line.end);
+    const platform::encodedText value = encoder_.encode(row[i], line.end);
     line = {value.end, line.plain && value.plain};
   }
   const auto size = static_cast<std::size_t>(line.end - begin);

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "table_rw/text/singleByteEncoder.h"
+#include "platform/singleByteEncoder.h"
 #include "table_rw/text/textEncoding.h"
 #include "table_rw/text/textModeFile.h"
 #include "table_rw/writers/tableWriter.h"
@@ -41,7 +41,7 @@ class tableWriter_csv : public tableWriter {
 
   tableWriterOptions options_;
   textFileWriter output_;
-  singleByteEncoder encoder_;
+  platform::singleByteEncoder encoder_;
   std::string delimiter_;  // in the file's code page
   bool delimiterIsPlain_;  // it holds neither NUL nor LF
 };

@@ -415,4 +415,18 @@ TEST(codePages, theLocaleVariablesNameTheSystemsPage) {
   }
 }
 
+TEST(codePages, aHostMayChooseTheSystemsPage) {
+  const unsigned before = platform::resolveCodePage(platform::systemCodePage);
+  EXPECT_EQ(platform::chosenSystemCodePage(), 0u);
+  for (const unsigned chosen : {866u, 1251u, 65001u}) {
+    EXPECT_TRUE(platform::chooseSystemCodePage(chosen));
+    EXPECT_EQ(platform::chosenSystemCodePage(), chosen);
+    expectSystemPageIs(chosen);
+  }
+  EXPECT_FALSE(platform::chooseSystemCodePage(unknownCodePage)) << "and the last choice stays";
+  EXPECT_EQ(platform::chosenSystemCodePage(), 65001u);
+  EXPECT_TRUE(platform::chooseSystemCodePage(platform::systemCodePage));
+  EXPECT_EQ(platform::resolveCodePage(platform::systemCodePage), before);
+}
+
 }  // namespace

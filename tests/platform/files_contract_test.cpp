@@ -399,4 +399,38 @@ TEST_F(files, drivesAreWhereTheSystemHasThem) {
     EXPECT_FALSE(platform::isDrivePath(path));
 }
 
+TEST_F(files, aFileIsFoundWhateverTheCaseOfItsName) {
+  writeFile(folder_.file(L"Wells.FPT"), "1");
+  const auto nameOf = [this](const wchar_t* wanted) {
+    const std::wstring found = platform::findIgnoringCase(folder_.file(wanted));
+    return found.empty() ? found : found.substr(folder_.path().size());
+  };
+  EXPECT_EQ(nameOf(L"Wells.FPT"), L"Wells.FPT");
+  EXPECT_EQ(nameOf(L"wells.fpt"), testSupport::onWindows ? L"wells.fpt" : L"Wells.FPT");
+  EXPECT_EQ(nameOf(L"wells.dbt"), L"");
+  EXPECT_EQ(nameOf(L"missing/wells.fpt"), L"");
+  writeFile(folder_.file(L"other"), "1");
+  EXPECT_EQ(nameOf(L"other"), L"other") << "the very name comes first";
+}
+
+TEST_F(files, readingAndWritingAtAPosition) {
+  const std::wstring path = folder_.file(L"positions");
+  platform::binaryFile file;
+  EXPECT_FALSE(file.seek(0)) << "not open";
+  ASSERT_TRUE(file.openForWriting(path));
+  EXPECT_TRUE(file.write("abcdef", 6));
+  EXPECT_TRUE(file.seek(2));
+  EXPECT_TRUE(file.write("XY", 2));
+  EXPECT_TRUE(file.close());
+  EXPECT_EQ(readFile(path), "abXYef");
+  ASSERT_TRUE(file.openForReading(path));
+  char bytes[4] = {};
+  EXPECT_TRUE(file.seek(4));
+  EXPECT_EQ(file.read(bytes, 4), 2u);
+  EXPECT_EQ(std::string(bytes, 2), "ef");
+  EXPECT_TRUE(file.seek(std::uint64_t{1} << 33)) << "behind the end, past 32 bits";
+  EXPECT_EQ(file.read(bytes, 4), 0u);
+  EXPECT_FALSE(file.seek(~std::uint64_t{0})) << "no position at all";
+}
+
 }  // namespace

@@ -1,5 +1,5 @@
 // The encoder of the writers against encodeText.
-#include "table_rw/text/singleByteEncoder.h"
+#include "platform/singleByteEncoder.h"
 
 #include <gtest/gtest.h>
 
@@ -11,11 +11,11 @@
 
 namespace {
 
-using tableRW::singleByteEncoder;
+using platform::singleByteEncoder;
 
 std::string encoded(singleByteEncoder& encoder, const std::wstring& text) {
   std::string bytes(text.size() * singleByteEncoder::mostBytes, 'x');
-  const tableRW::encodedText result = encoder.encode(text, bytes.data());
+  const platform::encodedText result = encoder.encode(text, bytes.data());
   bytes.resize(static_cast<std::size_t>(result.end - bytes.data()));
   const bool plain = std::none_of(bytes.begin(), bytes.end(),
                                   [](char byte) { return static_cast<unsigned char>(byte) < ' '; });

@@ -1,13 +1,13 @@
-#include "table_rw/text/singleByteEncoder.h"
+#include "platform/singleByteEncoder.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <utility>
 
+#include "platform/asciiSteps.h"
 #include "platform/codePages.h"
-#include "table_rw/text/asciiSteps.h"
 
-namespace tableRW {
+namespace platform {
 namespace {
 
 constexpr std::uint32_t elementBits = sizeof(wchar_t) == 2 ? 0xFFFF : 0xFFFFFFFF;
@@ -24,7 +24,7 @@ const singleByteEncoder::page& singleByteEncoder::makePage(unsigned number) {
   for (unsigned i = 0; i < pageSize; ++i) {
     const auto unit = static_cast<wchar_t>(number * pageSize + i);
     char byte = '?';
-    platform::encodeCodePage(codePage_, &unit, 1, &byte, 1);
+    encodeCodePage(codePage_, &unit, 1, &byte, 1);
     (*made)[i] = byte;
   }
   pages_[number] = std::move(made);
@@ -76,4 +76,4 @@ encodedText singleByteEncoder::encodeByTable(const wchar_t* from, const wchar_t*
   return {to, !control};
 }
 
-}  // namespace tableRW
+}  // namespace platform

@@ -2,15 +2,15 @@
 // character. The table is asked from the platform page by page of the BMP, when a page is first met.
 //
 // One object belongs to one thread at a time. Nothing fails but allocation.
-#ifndef VOK_TABLE_RW_TEXT_SINGLEBYTEENCODER_H
-#define VOK_TABLE_RW_TEXT_SINGLEBYTEENCODER_H
+#ifndef VOK_PLATFORM_SINGLEBYTEENCODER_H
+#define VOK_PLATFORM_SINGLEBYTEENCODER_H
 
 #include <array>
 #include <cstddef>
 #include <memory>
 #include <string_view>
 
-namespace tableRW {
+namespace platform {
 
 /// What an encoder wrote.
 struct encodedText {
@@ -42,6 +42,6 @@ class singleByteEncoder {
   std::array<std::unique_ptr<page>, 256> pages_;
 };
 
-}  // namespace tableRW
+}  // namespace platform
 
 #endif

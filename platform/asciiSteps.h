@@ -1,16 +1,15 @@
 // ASCII between bytes and wide text, several characters at a time.
 //
-// As in byteMasks.h there are two versions of each function: SSE2, and portable code that the tests
-// compare with it. No state; any thread.
-#ifndef VOK_TABLE_RW_TEXT_ASCIISTEPS_H
-#define VOK_TABLE_RW_TEXT_ASCIISTEPS_H
+// There are two versions of each function: SSE2, and portable code that the tests compare with it. No state; any thread.
+#ifndef VOK_PLATFORM_ASCIISTEPS_H
+#define VOK_PLATFORM_ASCIISTEPS_H
 
 #include <cstddef>
 #include <cstdint>
 
-#include "table_rw/text/byteMasks.h"
+#include "platform/sse2.h"
 
-namespace tableRW {
+namespace platform {
 
 /// Four wide characters that became four bytes, the first one in the lowest bits.
 struct fourBytes {
@@ -43,6 +42,8 @@ inline void widenSixteen(const unsigned char* bytes, wchar_t* text) {
 
 #if VOK_HAS_SSE2
 namespace sse2 {
+
+using block = __m128i;
 
 /// Reads four elements of 32 or of 16 bits.
 inline block loadFour(const wchar_t* text) {
@@ -91,6 +92,6 @@ using portable::narrowFour;
 using portable::widenSixteen;
 #endif
 
-}  // namespace tableRW
+}  // namespace platform
 
 #endif

@@ -1,5 +1,5 @@
 // The steps of the processor at hand against the portable ones.
-#include "table_rw/text/asciiSteps.h"
+#include "platform/asciiSteps.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +11,8 @@
 namespace {
 
 void expectSameNarrowing(const wchar_t* text) {
-  const tableRW::fourBytes found = tableRW::narrowFour(text);
-  const tableRW::fourBytes wanted = tableRW::portable::narrowFour(text);
+  const platform::fourBytes found = platform::narrowFour(text);
+  const platform::fourBytes wanted = platform::portable::narrowFour(text);
   ASSERT_EQ(found.ascii, wanted.ascii);
   if (wanted.ascii) {
     ASSERT_EQ(found.bytes, wanted.bytes);
@@ -40,16 +40,16 @@ TEST(asciiSteps, narrowAnyElement) {
 }
 
 TEST(asciiSteps, putTheFirstCharacterIntoTheLowestBits) {
-  EXPECT_EQ(tableRW::portable::narrowFour(L"1234").bytes, 0x34333231U);
-  EXPECT_TRUE(tableRW::portable::narrowFour(L"12\x7F\0").ascii);
-  EXPECT_FALSE(tableRW::portable::narrowFour(L"123\x80").ascii);
+  EXPECT_EQ(platform::portable::narrowFour(L"1234").bytes, 0x34333231U);
+  EXPECT_TRUE(platform::portable::narrowFour(L"12\x7F\0").ascii);
+  EXPECT_FALSE(platform::portable::narrowFour(L"123\x80").ascii);
 }
 
 TEST(asciiSteps, findEveryControlCharacter) {
   for (unsigned byte = 0; byte < 0x80; ++byte)
     for (int shift = 0; shift < 32; shift += 8)
       for (const unsigned others : {0x20202020U, 0x7F7F7F7FU})
-        EXPECT_EQ(tableRW::hasControl((others & ~(0xFFU << shift)) | byte << shift), byte < 0x20);
+        EXPECT_EQ(platform::hasControl((others & ~(0xFFU << shift)) | byte << shift), byte < 0x20);
 }
 
 TEST(asciiSteps, widenEveryByte) {
@@ -58,8 +58,8 @@ TEST(asciiSteps, widenEveryByte) {
     for (int i = 0; i < 16; ++i) bytes[i] = static_cast<unsigned char>(first + i);
     wchar_t found[16];
     wchar_t wanted[16];
-    tableRW::widenSixteen(bytes, found);
-    tableRW::portable::widenSixteen(bytes, wanted);
+    platform::widenSixteen(bytes, found);
+    platform::portable::widenSixteen(bytes, wanted);
     EXPECT_TRUE(std::equal(std::begin(found), std::end(found), wanted));
     EXPECT_EQ(wanted[15], static_cast<wchar_t>(first + 15));
   }

@@ -1,0 +1,172 @@
+#!/usr/bin/env python3
+"""DBF files: types chosen from the data, what such a file cannot hold, the system's code page; and what
+dbfread and ogrinfo, where they are installed, read of the same files."""
+import json
+import os
+import shutil
+import subprocess
+import sys
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
+from tool_cases import CaseTest, main, run_tool  # noqa: E402
+
+try:
+    import dbfread
+except ImportError:
+    sys.path.append("/usr/lib/python3/dist-packages")
+    try:
+        import dbfread
+    except ImportError:
+        dbfread = None
+
+WELLS = "WELL;DEPTH;DAY;ID;NOTE\n101;1250.5;2024-02-29;007;Жила\n102;-98;1999-12-31;010;\n103;;;1e5;a,b\n"
+PAGE = ["--system-encoding", "CP1251"]
+
+
+class Conversion(CaseTest):
+    def convert(self, source, *options, target="out.dbf"):
+        self.write({"t.csv": source})
+        return run_tool("convert", "t.csv", target, *PAGE, *options, cwd=self.folder)
+
+    def fields(self):
+        """Name, letter, length and decimals of every field of out.dbf."""
+        with open(self.path("out.dbf"), "rb") as file:
+            data = file.read()
+        found = []
+        for at in range(32, int.from_bytes(data[8:10], "little") - 1, 32):
+            name = data[at:at + 11].split(b"\0")[0].decode("ascii")
+            found.append(f"{name} {chr(data[at + 11])}{data[at + 16]}.{data[at + 17]}")
+        return found
+
+    def cat(self, *options):
+        run = run_tool("cat", "out.dbf", *(options or PAGE), cwd=self.folder)
+        self.assertEqual((run.code, run.err), (0, ""))
+        return run.out.decode("utf-8")
+
+    def test_types_and_widths_come_from_the_data(self):
+        run = self.convert(WELLS)
+        self.assertEqual((run.code, run.err, run.out), (0, "", b""))
+        self.assertEqual(self.fields(), ["WELL N3.0", "DEPTH N6.1", "DAY D8.0", "ID C3.0", "NOTE C4.0"])
+        self.assertEqual(self.cat(), "WELL\tDEPTH\tDAY\tID\tNOTE\n101\t1250.5\t2024-02-29\t007\tЖила\n"
+                                     "102\t-98.0\t1999-12-31\t010\t\n103\t\t\t1e5\ta,b\n")
+
+    def test_strict_takes_what_fits(self):
+        self.assertEqual(self.convert(WELLS, "--strict").code, 0)
+
+    def test_widths_are_bytes_of_the_code_page(self):
+        self.write({"t.csv": "A\nЖила\n"})
+        run = run_tool("convert", "t.csv", "out.dbf", "--system-encoding", "UTF-8", cwd=self.folder)
+        self.assertEqual((run.code, self.fields()), (0, ["A C8.0"]))
+        self.assertEqual(self.content()["out.cpg"], b"UTF-8")
+        self.assertEqual(self.cat("--system-encoding", "UTF-8"), "A\nЖила\n")
+        run = run_tool("convert", "t.csv", "out.dbf", "--force", "--system-encoding", "CP866",
+                       cwd=self.folder)
+        self.assertEqual((run.code, self.fields()), (0, ["A C4.0"]))
+        self.assertNotIn("out.cpg", self.content())
+        self.assertIn("Жила".encode("cp866"), self.content()["out.dbf"])
+        self.assertEqual(self.content()["out.dbf"][29], 0x65)
+        self.assertEqual(self.cat("--system-encoding", "CP866"), "A\nЖила\n")
+
+    def test_fields_may_be_named(self):
+        run = self.convert(WELLS, "--fields", "DEPTH=N10.2, WELL=c20,DAY=C10")
+        self.assertEqual((run.code, run.err), (0, ""))
+        self.assertEqual(self.fields(), ["WELL C20.0", "DEPTH N10.2", "DAY C10.0", "ID C3.0", "NOTE C4.0"])
+
+    def test_named_fields_that_cannot_be(self):
+        for named, problem in (("NONE=C5", "there is no such field"), ("WELL", "has no type"),
+                               ("WELL=X5", "the types are"), ("WELL=C255", "the types are"),
+                               ("WELL=N21", "the types are"), ("WELL=N5.4", "the types are"),
+                               ("WELL=D8", "the types are"), ("WELL=C0", "the types are")):
+            run = self.convert(WELLS, "--fields", named)
+            self.assertEqual(run.code, 2, named)
+            self.assertIn(problem, run.err)
+        run = self.convert(WELLS, "--fields", "WELL=C5", target="out.csv")
+        self.assertEqual(run.code, 2)
+        self.assertEqual(list(self.content()), ["t.csv"])
+
+    LOSSES = (
+        ("a long text", "A\n" + "x" * 255 + "\n", "is cut: it needs 255, and there are 254"),
+        ("a character of another page", "A\n中\n", "holds a character outside Windows-1251 (U+4E2D)"),
+        ("a long name", "ABCDEFGHIJK\n1\n", "the name is cut to 10 characters"),
+        ("a name with other characters", "A B\n1\n", "the name is changed"),
+        ("names that are alike", "Ab;aB\n1;2\n", 'the name is changed: "Ab" is too much like it'),
+    )
+
+    def test_losses_are_told_or_refused(self):
+        for name, source, reason in self.LOSSES:
+            with self.subTest(name):
+                run = self.convert(source, "--force")
+                self.assertEqual(run.code, 1)
+                self.assertIn("warning: 1 value will not be read back unchanged from out.dbf", run.err)
+                self.assertIn(reason, run.err)
+                os.remove(self.path("out.dbf"))
+                run = self.convert(source, "--strict")
+                self.assertEqual(run.code, 5)
+                self.assertIn("error: nothing was written: out.dbf cannot hold 1 value", run.err)
+                self.assertIn(reason, run.err)
+                self.assertNotIn("out.dbf", self.content())
+
+    def test_values_that_do_not_fit_named_fields(self):
+        for named, source, reason, stored in (
+                ("A=N3", "A\n1234\n", "does not fit, and becomes asterisks", ""),
+                ("A=N5.1", "A\n1.25\n", "is rounded to 1 decimal", "1.3"),
+                ("A=N5", "A\nabc\n", "is no plain number", ""),
+                ("A=D", "A\n2024-02-30\n", "is no day as YYYY-MM-DD", ""),
+                ("A=C2", "A\nabc\n", "is cut: it needs 3, and there are 2", "ab")):
+            run = self.convert(source, "--force", "--fields", named)
+            self.assertEqual(run.code, 1, named)
+            self.assertIn("row 1, field \"A\": " + reason, run.err)
+            self.assertEqual(self.cat(), f"A\n{stored}\n")
+
+    def test_too_many_fields(self):
+        names = ";".join(f"F{i}" for i in range(2047))
+        run = self.convert(names + "\n")
+        self.assertEqual(run.code, 2)
+        self.assertIn("a DBF file holds 2 046 fields at most", run.err)
+        self.assertEqual(list(self.content()), ["t.csv"])
+
+    def test_a_table_becomes_the_same_table_again(self):
+        self.convert(WELLS)
+        run = run_tool("convert", "out.dbf", "again.dbf", *PAGE, "--strict", cwd=self.folder)
+        self.assertEqual((run.code, run.err), (0, ""))
+        self.assertEqual(self.content()["again.dbf"], self.content()["out.dbf"])
+
+    def test_a_code_page_that_no_system_has(self):
+        for name in ("UTF-16", "KOI8", ""):
+            run = run_tool("cat", "t.csv", "--system-encoding", name, cwd=self.folder)
+            self.assertEqual(run.code, 2)
+            self.assertIn("--system-encoding", run.err)
+
+    def test_a_file_that_is_no_table(self):
+        self.write({"bad.dbf": "text\n"})
+        run = run_tool("cat", "bad.dbf", cwd=self.folder)
+        self.assertEqual(run.code, 3)
+        self.assertIn("cannot read bad.dbf: its content is not what was expected", run.err)
+
+    def test_dbfread_reads_the_same(self):
+        if dbfread is None:
+            self.skipTest("dbfread is not installed")
+        self.convert(WELLS)
+        rows = [list(row.values()) for row in dbfread.DBF(self.path("out.dbf"), encoding="cp1251")]
+        days = [row.pop(2) for row in rows]
+        self.assertEqual(rows, [[101, 1250.5, "007", "Жила"], [102, -98.0, "010", ""],
+                                [103, None, "1e5", "a,b"]])
+        self.assertEqual([str(day) for day in days], ["2024-02-29", "1999-12-31", "None"])
+
+    def test_ogr_reads_the_same(self):
+        if shutil.which("ogr2ogr") is None:
+            self.skipTest("ogr2ogr is not installed")
+        self.convert(WELLS)
+        made = subprocess.run(["ogr2ogr", "-f", "GeoJSON", "/vsistdout/", self.path("out.dbf")],
+                              stdout=subprocess.PIPE, check=True)
+        # Some versions leave out what is null.
+        rows = [[each["properties"].get(name) for name in ("WELL", "DEPTH", "DAY", "ID", "NOTE")]
+                for each in json.loads(made.stdout)["features"]]
+        self.assertEqual(rows, [[101, 1250.5, "2024-02-29", "007", "Жила"],
+                                [102, -98.0, "1999-12-31", "010", None],
+                                [103, None, None, "1e5", "a,b"]])
+
+
+if __name__ == "__main__":
+    main()
