@@ -65,6 +65,10 @@ class binaryFile {
   /// open here is closed first. On Windows nobody else can open it meanwhile.
   bool openForWriting(const std::wstring& path);
 
+  /// Opens an existing file for writing behind its last byte; a file already open here is closed first.
+  /// @return false when it is missing; nothing is created then
+  bool openForAppending(const std::wstring& path);
+
   bool isOpen() const { return handle_ != closedHandle; }
 
   /// Reads up to `size` bytes, fewer only at the end of the file.
@@ -73,6 +77,10 @@ class binaryFile {
 
   /// Writes all bytes. @return false when any of them could not be written or the file is not open
   bool write(const void* bytes, std::size_t size);
+
+  /// Moves to a byte, counted from the start of the file, from which the next read or write goes on.
+  /// @return false for what has no positions (a pipe) and for a file that is not open
+  bool seek(std::uint64_t position);
 
   /// The file's size in bytes; 0 for what has none (a pipe) and for a file that is not open.
   std::uint64_t size() const;

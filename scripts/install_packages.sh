@@ -14,16 +14,16 @@
 set -u
 
 packages_of() {
-  local run="cmake g++ libcli11-dev libfmt-dev ninja-build"
-  local native="$run binutils gcc googletest python3"
+  local run="cmake g++ libcli11-dev libfmt-dev ninja-build zlib1g-dev"
+  local native="$run binutils gcc googletest libxml2-utils python3 python3-openpyxl"
   case $1 in
     run) echo "$run" ;;
     native) echo "$native" ;;
-    windows) echo "$native g++-mingw-w64-x86-64-posix locales wine wine64" ;;
+    windows) echo "$native g++-mingw-w64-x86-64-posix libz-mingw-w64-dev locales wine wine64" ;;
     lint) echo "$native clang-format clang-tidy" ;;
     fuzz) echo "$run clang" ;;
     bench) echo "$run python3" ;;
-    bench-peers) echo "$run python3 libcsv-dev libgdal-dev python3-pandas" ;;
+    bench-peers) echo "$run python3 libcsv-dev libgdal-dev libxlsxwriter-dev python3-pandas" ;;
     *) echo "install_packages.sh: unknown set '$1'" >&2; return 1 ;;
   esac
 }

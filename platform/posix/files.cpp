@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <limits>
 #include <utility>
 
 #include "platform/posix/nativePath.h"
@@ -93,6 +94,13 @@ bool binaryFile::openForWriting(const std::wstring& path) {
   return isOpen();
 }
 
+bool binaryFile::openForAppending(const std::wstring& path) {
+  close();
+  handle_ = openFile(path, O_WRONLY);
+  if (isOpen() && ::lseek(static_cast<int>(handle_), 0, SEEK_END) < 0) close();
+  return isOpen();
+}
+
 std::size_t binaryFile::read(void* buffer, std::size_t size) {
   if (!isOpen()) return 0;
   std::size_t done = 0;
@@ -119,6 +127,11 @@ bool binaryFile::write(const void* bytes, std::size_t size) {
       return false;
   }
   return true;
+}
+
+bool binaryFile::seek(std::uint64_t position) {
+  return isOpen() && position <= static_cast<std::uint64_t>(std::numeric_limits<off_t>::max()) &&
+         ::lseek(static_cast<int>(handle_), static_cast<off_t>(position), SEEK_SET) >= 0;
 }
 
 std::uint64_t binaryFile::size() const {

@@ -93,6 +93,15 @@ bool binaryFile::openForWriting(const std::wstring& path) {
   return isOpen();
 }
 
+bool binaryFile::openForAppending(const std::wstring& path) {
+  close();
+  handle_ = reinterpret_cast<std::intptr_t>(CreateFileW(
+      path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (isOpen() && SetFilePointerEx(asHandle(handle_), LARGE_INTEGER{}, nullptr, FILE_END) == 0)
+    close();
+  return isOpen();
+}
+
 std::size_t binaryFile::read(void* buffer, std::size_t size) {
   if (!isOpen()) return 0;
   std::size_t done = 0;
@@ -121,6 +130,13 @@ bool binaryFile::write(const void* bytes, std::size_t size) {
     done += count;
   }
   return true;
+}
+
+bool binaryFile::seek(std::uint64_t position) {
+  LARGE_INTEGER target;
+  target.QuadPart = static_cast<LONGLONG>(position);
+  return isOpen() && target.QuadPart >= 0 && GetFileType(asHandle(handle_)) == FILE_TYPE_DISK &&
+         SetFilePointerEx(asHandle(handle_), target, nullptr, FILE_BEGIN) != 0;
 }
 
 std::uint64_t binaryFile::size() const {

@@ -5,6 +5,7 @@
 
 #include "table_rw/core/pathNames.h"
 #include "table_rw/writers/tableWriter_csv.h"
+#include "table_rw/writers/tableWriter_xls.h"
 
 namespace tableRW {
 namespace {
@@ -23,8 +24,8 @@ constexpr struct {
   const wchar_t* extension;
   tableWriter* (*make)(tableWriterOptions options);
 } writerVariants[] = {
-    {L".xls",  refuse               },
-    {L".xlsx", refuse               },
+    {L".xls",  make<tableWriter_xls>},
+    {L".xlsx", make<tableWriter_xls>},
     {L".dbf",  refuse               },
     {L".csv",  make<tableWriter_csv>},
 };

@@ -1,0 +1,38 @@
+#include "table_rw/writers/xlsx/deflateStream.h"
+
+#include <new>
+
+namespace SimpleXlsx {
+namespace {
+
+// Chosen by measurement: see docs/performance.md.
+constexpr int compressionLevel = 3;
+constexpr int rawWindow = -15;  // 32 KiB, without zlib's own header
+constexpr int memoryLevel = 9;  // the largest, 256 KiB for the hash chains
+constexpr std::size_t outputSize = std::size_t{64} * 1024;
+
+}  // namespace
+
+deflateStream::deflateStream() : output_(outputSize) {
+  if (deflateInit2(&stream_, compressionLevel, Z_DEFLATED, rawWindow, memoryLevel,
+                   Z_DEFAULT_STRATEGY) != Z_OK)
+    throw std::bad_alloc();
+}
+
+deflateStream::~deflateStream() { deflateEnd(&stream_); }
+
+void deflateStream::begin(std::string_view bytes) {
+  // zlib's input is not const for old callers; it does not write there.
+  stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
+  stream_.avail_in = static_cast<uInt>(bytes.size());
+}
+
+// The next piece; one that is not full is the last for these bytes.
+std::string_view deflateStream::next(bool isLast) {
+  stream_.next_out = reinterpret_cast<Bytef*>(output_.data());
+  stream_.avail_out = static_cast<uInt>(output_.size());
+  deflate(&stream_, isLast ? Z_FINISH : Z_NO_FLUSH);
+  return {output_.data(), output_.size() - stream_.avail_out};
+}
+
+}  // namespace SimpleXlsx
