@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <utility>
@@ -382,6 +383,61 @@ TEST_F(files, foldersOneLevelAtATime) {
   EXPECT_FALSE(platform::createFolder(folder_.file(L"file")));
   EXPECT_FALSE(platform::removeFolder(folder_.file(L"file")));
   EXPECT_EQ(readFile(folder_.file(L"file")), "x");
+}
+
+// --- positions ---
+
+TEST_F(files, seekMovesReadingAndWriting) {
+  binaryFile file;
+  ASSERT_TRUE(file.openForWriting(folder_.file(L"f")));
+  EXPECT_TRUE(file.write("0123456789", 10));
+  EXPECT_TRUE(file.seek(3));
+  EXPECT_TRUE(file.write("xy", 2));
+  EXPECT_TRUE(file.seek(10));
+  EXPECT_TRUE(file.write("!", 1));
+  EXPECT_TRUE(file.close());
+  EXPECT_EQ(readFile(folder_.file(L"f")), "012xy56789!");
+  ASSERT_TRUE(file.openForReading(folder_.file(L"f")));
+  char buffer[4] = {};
+  EXPECT_TRUE(file.seek(8));
+  EXPECT_EQ(file.read(buffer, 4), 3u);
+  EXPECT_EQ(std::string(buffer, 3), "89!");
+  EXPECT_TRUE(file.seek(0));
+  EXPECT_EQ(file.read(buffer, 1), 1u);
+  EXPECT_EQ(buffer[0], '0');
+}
+
+TEST_F(files, seekBehindTheEndAndFarBeyond) {
+  writeFile(folder_.file(L"f"), "x");
+  binaryFile file;
+  ASSERT_TRUE(file.openForReading(folder_.file(L"f")));
+  char byte = 0;
+  EXPECT_TRUE(file.seek(std::uint64_t{1} << 33));
+  EXPECT_EQ(file.read(&byte, 1), 0u);
+  EXPECT_FALSE(file.seek(~std::uint64_t{0}));
+}
+
+TEST_F(files, seekNeedsAnOpenFile) {
+  binaryFile file;
+  EXPECT_FALSE(file.seek(0));
+}
+
+TEST_F(files, appendingGoesOnBehindTheLastByte) {
+  writeFile(folder_.file(L"f"), "old ");
+  binaryFile file;
+  ASSERT_TRUE(file.openForAppending(folder_.file(L"f")));
+  EXPECT_TRUE(file.write("new", 3));
+  EXPECT_TRUE(file.seek(1));
+  EXPECT_TRUE(file.write("L", 1));
+  EXPECT_TRUE(file.close());
+  EXPECT_EQ(readFile(folder_.file(L"f")), "oLd new");
+}
+
+TEST_F(files, appendingCreatesNothing) {
+  binaryFile file;
+  EXPECT_FALSE(file.openForAppending(folder_.file(L"f")));
+  EXPECT_FALSE(file.isOpen());
+  EXPECT_FALSE(platform::fileExists(folder_.file(L"f")));
 }
 
 }  // namespace

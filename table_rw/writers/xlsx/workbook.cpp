@@ -1,5 +1,6 @@
 #include "table_rw/writers/xlsx/workbook.h"
 
+#include <new>
 #include <utility>
 
 #include "platform/calendar.h"
@@ -27,11 +28,34 @@ constexpr const wchar_t* fixedParts[] = {contentTypesPartName,
                                          workbookRelationshipsPartName,
                                          themePartName};
 
-// Takes away what is left of a package that did not get whole. A link or a device stays, emptied.
-void discard(const std::wstring& path) {
-  platform::binaryFile().openForWriting(path);
-  if (!platform::isLink(path) && !platform::isPipeOrDevice(path)) platform::removeFile(path);
-}
+// A target that was created and is not whole yet: unless it is kept, what is left of it goes away with the
+// object. A link or a device stays, emptied.
+class unfinishedTarget {
+ public:
+  explicit unfinishedTarget(const std::wstring& path) : path_(path) {}
+  unfinishedTarget(const unfinishedTarget&) = delete;
+  unfinishedTarget& operator=(const unfinishedTarget&) = delete;
+  ~unfinishedTarget() {
+    if (isCreated_ && !isKept_) discard();
+  }
+
+  void created() { isCreated_ = true; }
+  void keep() { isKept_ = true; }
+
+ private:
+  void discard() const noexcept {
+    try {
+      platform::binaryFile().openForWriting(path_);
+      if (!platform::isLink(path_) && !platform::isPipeOrDevice(path_)) platform::removeFile(path_);
+    } catch (const std::bad_alloc&) {
+      // A process without memory for the path leaves an archive that has no directory.
+    }
+  }
+
+  const std::wstring& path_;
+  bool isCreated_ = false;
+  bool isKept_ = false;
+};
 
 }  // namespace
 
@@ -104,17 +128,14 @@ bool CWorkbook::writeParts() {
 }
 
 bool CWorkbook::pack(const std::wstring& path) {
-  bool isPacked = true;
-  bool isWhole = false;
-  {
-    zipWriter archive(folder_->disk());
-    if (!archive.create(path)) return false;
-    for (const std::wstring& name : partNames())
-      if (isPacked) isPacked = archive.add(name, folder_->pathOf(name));
-    isWhole = isPacked && archive.finish();
-  }
-  if (!isWhole) discard(path);
-  return isPacked;
+  unfinishedTarget target(path);  // outlives the archive, which is closed before anything is discarded
+  zipWriter archive(folder_->disk());
+  if (!archive.create(path)) return false;
+  target.created();
+  for (const std::wstring& name : partNames())
+    if (!archive.add(name, folder_->pathOf(name))) return false;
+  if (archive.finish()) target.keep();
+  return true;
 }
 
 std::vector<std::wstring> CWorkbook::partNames() const {

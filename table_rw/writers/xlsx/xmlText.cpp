@@ -50,8 +50,9 @@ void appendPlain(std::wstring_view text, tableRW::growingArray<char>& bytes) {
 }
 
 bool isForbidden(wchar_t element) {
-  return (element >= 0 && element < 0x20 && element != L'\t' && element != L'\n' &&
-          element != L'\r') ||
+  constexpr std::uint32_t firstPrintable = 0x20;
+  const bool isControl = static_cast<std::uint32_t>(element) < firstPrintable;
+  return (isControl && element != L'\t' && element != L'\n' && element != L'\r') ||
          element == L'\xFFFE' || element == L'\xFFFF';
 }
 
