@@ -78,8 +78,8 @@ class binaryFile {
   /// Writes all bytes. @return false when any of them could not be written or the file is not open
   bool write(const void* bytes, std::size_t size);
 
-  /// Moves to a byte, counted from the start of the file, from which the next read or write goes on.
-  /// @return false for what has no positions (a pipe) and for a file that is not open
+  /// Moves to a byte, counted from 0, for the next read or write; behind the end is allowed.
+  /// @return false for a file that is not open or has no positions (a pipe)
   bool seek(std::uint64_t position);
 
   /// The file's size in bytes; 0 for what has none (a pipe) and for a file that is not open.

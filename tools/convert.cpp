@@ -21,6 +21,7 @@
 #include "tools/interruption.h"
 #include "tools/progress.h"
 #include "tools/targetFile.h"
+#include "tools/targetLimits.h"
 #include "tools/text.h"
 
 namespace vokTable {
@@ -67,19 +68,23 @@ class conversion {
  public:
   conversion(const commandLine& request, const tableRW::tableReader& reader,
              const messageWriter& messages)
-      : request_(request), reader_(reader), messages_(messages), target_(toWide(request.target)) {
+      : request_(request),
+        reader_(reader),
+        messages_(messages),
+        target_(toWide(request.target)),
+        limits_(limitsOf(target_, outputDelimiter(request))) {
     options_.delimiter = outputDelimiter(request);
     for (std::size_t field = 0; field < reader.fieldCount(); ++field)
       options_.fields.push_back({reader.fieldName(field), reader.fieldType(field)});
-    if (isWrittenAsDelimitedText(target_)) examineForCsv();
+    if (limits_) examine();
   }
 
   exitCode run() {
     if (request_.strict && losses_.count > 0) {
       messages_.error(fmt::format(
           "nothing was written: {} cannot hold {} unchanged; leave out --strict to write "
-          "all the same, or choose another --output-delimiter or format",
-          request_.target, counted(losses_.count, "value")));
+          "all the same, or {}",
+          request_.target, counted(losses_.count, "value"), limits_->alternative()));
       losses_.explain(messages_);
       return exitCode::writeFailed;
     }
@@ -102,28 +107,27 @@ class conversion {
   }
 
  private:
-  /// Finds what delimited text cannot hold, and the size that the file must have.
-  void examineForCsv() {
+  /// Finds what the target cannot hold, and the size that the file must have where that can be told.
+  void examine() {
     const progressLine progress(messages_, fmt::format("examining {}", request_.reading.file));
-    const csvLimits limits(options_.delimiter);
-    std::uint64_t size = 0;
+    if (const auto reason = limits_->tableProblem(reader_.count(), reader_.fieldCount()))
+      losses_.add("the table", *reason);
     std::vector<std::wstring> row;
-    const auto examine = [&](std::string_view place) {
-      size += limits.lineSize(row);
+    const auto examineRow = [&](std::string_view place) {
+      const auto size = limits_->rowSize(row);
+      if (size) expectedSize_ = expectedSize_.value_or(0) + *size;
       for (std::size_t field = 0; field < row.size(); ++field)
-        if (const auto reason = limits.problem(row[field]))
+        if (const auto reason = limits_->problem(row[field]))
           losses_.add(place, reader_.fieldName(field), *reason);
     };
     reader_.fieldList(row);
-    examine("the header");
+    examineRow("the header");
     for (std::size_t number = 0; number < reader_.count(); ++number) {
       reader_.getRow(number, row);
       const std::string place = fmt::format("row {}", grouped(number + 1));
-      examine(place);
-      if (std::all_of(row.begin(), row.end(), [](const auto& value) { return value.empty(); }))
-        losses_.add(place, "holds empty values only, and is skipped when it is read");
+      examineRow(place);
+      if (const auto reason = limits_->rowProblem(row)) losses_.add(place, *reason);
     }
-    expectedSize_ = size;
   }
 
   bool write(const std::wstring& path) {
@@ -155,6 +159,7 @@ class conversion {
     if (!file.openForReading(path)) {
       messages_.error(fmt::format(
           "cannot create {}: check that its folder exists and may be written to", request_.target));
+      if (limits_ && limits_->whenMissing() != nullptr) messages_.hint(limits_->whenMissing());
       return false;
     }
     const std::uint64_t size = file.size();
@@ -169,7 +174,8 @@ class conversion {
   const messageWriter& messages_;
   std::wstring target_;
   tableRW::tableWriterOptions options_;
-  std::optional<std::uint64_t> expectedSize_;  // known for delimited text alone
+  std::unique_ptr<targetLimits> limits_;       // null for a format that has none
+  std::optional<std::uint64_t> expectedSize_;  // known for some formats alone
   losses losses_;
 };
 

@@ -130,8 +130,12 @@ bool isWritable(const std::wstring& path) {
 }
 
 bool isWrittenAsDelimitedText(const std::wstring& path) {
+  return !isWrittenAsWorkbook(path) && writtenExtension(path) != L"dbf";
+}
+
+bool isWrittenAsWorkbook(const std::wstring& path) {
   const std::wstring extension = writtenExtension(path);
-  return extension != L"xls" && extension != L"xlsx" && extension != L"dbf";
+  return extension == L"xls" || extension == L"xlsx";
 }
 
 void showFormats(dataOutput& output) {

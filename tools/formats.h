@@ -36,6 +36,9 @@ bool isWritable(const std::wstring& path);
 /// True when a table that is written to this path becomes delimited text.
 bool isWrittenAsDelimitedText(const std::wstring& path);
 
+/// True when a table that is written to this path becomes a workbook.
+bool isWrittenAsWorkbook(const std::wstring& path);
+
 /// The command `formats`: a table of all formats and what this version does with each.
 void showFormats(dataOutput& output);
 

@@ -130,8 +130,9 @@ bool binaryFile::write(const void* bytes, std::size_t size) {
 }
 
 bool binaryFile::seek(std::uint64_t position) {
-  return isOpen() && position <= static_cast<std::uint64_t>(std::numeric_limits<off_t>::max()) &&
-         ::lseek(static_cast<int>(handle_), static_cast<off_t>(position), SEEK_SET) >= 0;
+  if (!isOpen() || position > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max()))
+    return false;
+  return ::lseek(static_cast<int>(handle_), static_cast<off_t>(position), SEEK_SET) >= 0;
 }
 
 std::uint64_t binaryFile::size() const {

@@ -133,10 +133,10 @@ bool binaryFile::write(const void* bytes, std::size_t size) {
 }
 
 bool binaryFile::seek(std::uint64_t position) {
-  LARGE_INTEGER target;
-  target.QuadPart = static_cast<LONGLONG>(position);
-  return isOpen() && target.QuadPart >= 0 && GetFileType(asHandle(handle_)) == FILE_TYPE_DISK &&
-         SetFilePointerEx(asHandle(handle_), target, nullptr, FILE_BEGIN) != 0;
+  LARGE_INTEGER wanted;
+  wanted.QuadPart = static_cast<LONGLONG>(position);
+  return isOpen() && wanted.QuadPart >= 0 &&
+         SetFilePointerEx(asHandle(handle_), wanted, nullptr, FILE_BEGIN) != 0;
 }
 
 std::uint64_t binaryFile::size() const {
