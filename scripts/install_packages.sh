@@ -23,7 +23,7 @@ packages_of() {
     lint) echo "$native clang-format clang-tidy" ;;
     fuzz) echo "$run clang" ;;
     bench) echo "$run python3" ;;
-    bench-peers) echo "$run python3 libcsv-dev libgdal-dev libxlsxwriter-dev python3-pandas" ;;
+    bench-peers) echo "$run python3 libcsv-dev libdeflate-dev libgdal-dev libxlsxwriter-dev python3-pandas" ;;
     *) echo "install_packages.sh: unknown set '$1'" >&2; return 1 ;;
   esac
 }

@@ -5,10 +5,17 @@
 namespace SimpleXlsx {
 namespace {
 
-// Chosen by measurement: see docs/performance.md.
-constexpr int compressionLevel = 3;
+// Chosen by measurement: see docs/performance.md. The rows of a sheet resemble each other so much that looking at
+// the last few places where three bytes occurred finds nearly all that there is to find, when zlib may still
+// prefer the next byte's match to this one's (level 4 and above).
+constexpr int compressionLevel = 4;
+constexpr int goodLength = 8;   // of a match; beyond, the search is cut to a quarter
+constexpr int lazyLength = 16;  // beyond, the next byte is not tried
+constexpr int niceLength = 64;  // beyond, the search ends
+constexpr int longestChain = 4;
 constexpr int rawWindow = -15;  // 32 KiB, without zlib's own header
-constexpr int memoryLevel = 9;  // the largest, 256 KiB for the hash chains
+constexpr int memoryLevel = 8;
+
 constexpr std::size_t outputSize = std::size_t{64} * 1024;
 
 }  // namespace
@@ -17,6 +24,7 @@ deflateStream::deflateStream() : output_(outputSize) {
   if (deflateInit2(&stream_, compressionLevel, Z_DEFLATED, rawWindow, memoryLevel,
                    Z_DEFAULT_STRATEGY) != Z_OK)
     throw std::bad_alloc();
+  deflateTune(&stream_, goodLength, lazyLength, niceLength, longestChain);
 }
 
 deflateStream::~deflateStream() { deflateEnd(&stream_); }
