@@ -78,6 +78,9 @@ int main(int argc, char** argv) {
     if (library == "libdeflate") return 77;  // not installed
     written += library == "tuned" ? zlibSize(bytes, 4, level) : zlibSize(bytes, level, 0);
   }
-  bench::report("level", watch.seconds(), {{"written", written}});
+  bench::report("level", watch.seconds(),
+                {
+                    {"written", written}
+  });
   bench::leave();
 }

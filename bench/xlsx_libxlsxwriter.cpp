@@ -29,9 +29,9 @@ int main(int argc, char** argv) {
   if (workbook_close(book) != LXW_NO_ERROR) bench::fail("cannot be written", argv[3]);
   bench::report(argv[1], watch.seconds(),
                 {
-                    {"rows",    bench::writtenRows                       },
+                    {"rows",    bench::writtenRows                      },
                     {"values",  bench::writtenRows * bench::wellsColumns},
-                    {"written", std::filesystem::file_size(argv[3])      }
+                    {"written", std::filesystem::file_size(argv[3])     }
   });
   bench::leave();
 }

@@ -42,9 +42,9 @@ tableRW::tableWriter* openWriter(const char* target, const row& names) {
 void reportWritten(const char* mode, double seconds, const char* target) {
   bench::report(mode, seconds,
                 {
-                    {"rows",    bench::writtenRows                       },
+                    {"rows",    bench::writtenRows                      },
                     {"values",  bench::writtenRows * bench::wellsColumns},
-                    {"written", std::filesystem::file_size(target)       }
+                    {"written", std::filesystem::file_size(target)      }
   });
   bench::leave();
 }

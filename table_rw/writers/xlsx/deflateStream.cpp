@@ -12,7 +12,8 @@ constexpr int compressionLevel = 4;
 constexpr int goodLength = 8;   // of a match; beyond, the search is cut to a quarter
 constexpr int lazyLength = 16;  // beyond, the next byte is not tried
 constexpr int niceLength = 64;  // beyond, the search ends
-constexpr int longestChain = 4;
+constexpr int longestChain =
+    4;  // WHY not less: a quarter of it must be left, zlib counts down from there to 0
 constexpr int rawWindow = -15;  // 32 KiB, without zlib's own header
 constexpr int memoryLevel = 8;
 
