@@ -128,7 +128,8 @@ bool CWorkbook::writeParts() {
 }
 
 bool CWorkbook::pack(const std::wstring& path) {
-  unfinishedTarget target(path);  // outlives the archive, which is closed before anything is discarded
+  unfinishedTarget target(
+      path);  // outlives the archive, which is closed before anything is discarded
   zipWriter archive(folder_->disk());
   if (!archive.create(path)) return false;
   target.created();
