@@ -2,7 +2,7 @@
 
 add_library(vok_table_rw_vc SHARED $<TARGET_OBJECTS:vok_objects>)
 target_include_directories(vok_table_rw_vc INTERFACE ${vok_public_include})
-target_link_libraries(vok_table_rw_vc PRIVATE vok_platform ${vok_suite_libraries})
+target_link_libraries(vok_table_rw_vc PRIVATE vok_platform ZLIB::ZLIB ${vok_suite_libraries})
 set_target_properties(vok_table_rw_vc PROPERTIES
   LINKER_LANGUAGE CXX
   VERSION ${PROJECT_VERSION}

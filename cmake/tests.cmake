@@ -18,6 +18,7 @@ file(GLOB test_sources CONFIGURE_DEPENDS
   tests/text/*.cpp
   tests/readers/*.cpp
   tests/writers/*.cpp
+  tests/writers/xlsx/*.cpp
   tests/suite/*.cpp
   tests/platform/*_test.cpp
   tests/capi/*_test.cpp

@@ -76,6 +76,10 @@ class binaryFile {
   /// open here is closed first. On Windows nobody else can open it meanwhile.
   bool openForWriting(const std::wstring& path);
 
+  /// Opens an existing file for writing behind its last byte; a file already open here is closed first.
+  /// @return false when it is missing; nothing is created then
+  bool openForAppending(const std::wstring& path);
+
   bool isOpen() const { return handle_ != closedHandle; }
 
   /// Reads up to `size` bytes, fewer only at the end of the file.

@@ -13,16 +13,15 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/codePages.h"
 #include "platform/files.h"
 #include "table_rw/writers/tableWriter.h"
 #include "tools/commands.h"
 #include "tools/csvLimits.h"
-#include "tools/dbfPlan.h"
 #include "tools/formats.h"
 #include "tools/interruption.h"
 #include "tools/progress.h"
 #include "tools/targetFile.h"
+#include "tools/targetLimits.h"
 #include "tools/text.h"
 
 namespace vokTable {
@@ -69,46 +68,21 @@ class conversion {
  public:
   conversion(const commandLine& request, const tableRW::tableReader& reader,
              const messageWriter& messages)
-      : request_(request), reader_(reader), messages_(messages), target_(toWide(request.target)) {
+      : request_(request),
+        reader_(reader),
+        messages_(messages),
+        target_(toWide(request.target)),
+        limits_(limitsOf(target_, outputDelimiter(request))) {
     options_.delimiter = outputDelimiter(request);
-    for (std::size_t field = 0; field < reader.fieldCount(); ++field)
-      options_.fields.push_back({reader.fieldName(field), reader.fieldType(field)});
-    if (isWrittenAsDelimitedText(target_)) examineForCsv();
-  }
-
-  /// Chooses the fields of a DBF file and finds what it cannot hold. @return false, explained, when the
-  /// table cannot become one
-  bool planDbf() {
-    const progressLine progress(messages_, fmt::format("examining {}", request_.reading.file));
-    dbfPlan plan(platform::resolveCodePage(platform::systemCodePage));
-    if (const auto wrong = plan.choose(reader_, request_.targetFields)) {
-      messages_.error(*wrong);
-      return false;
-    }
-    options_.fields = plan.fields();
-    for (std::size_t field = 0; field < options_.fields.size(); ++field)
-      if (const auto reason = plan.nameProblem(field))
-        losses_.add("the header", reader_.fieldName(field), *reason);
-    std::vector<std::wstring> row;
-    for (std::size_t number = 0; number < reader_.count(); ++number) {
-      reader_.getRow(number, row);
-      for (std::size_t field = 0; field < row.size(); ++field)
-        if (const auto reason = plan.problem(field, row[field]))
-          losses_.add(fmt::format("row {}", grouped(number + 1)), reader_.fieldName(field),
-                      *reason);
-    }
-    expectedSize_ = plan.fileSize(reader_.count());
-    return true;
   }
 
   exitCode run() {
+    if (!examine()) return exitCode::usage;
     if (request_.strict && losses_.count > 0) {
       messages_.error(fmt::format(
           "nothing was written: {} cannot hold {} unchanged; leave out --strict to write "
-          "all the same, or choose {}",
-          request_.target, counted(losses_.count, "value"),
-          isWrittenAsDbf(target_) ? "other --fields, another --system-encoding or format"
-                                  : "another --output-delimiter or format"));
+          "all the same, or {}",
+          request_.target, counted(losses_.count, "value"), limits_->alternative()));
       losses_.explain(messages_);
       return exitCode::writeFailed;
     }
@@ -131,28 +105,40 @@ class conversion {
   }
 
  private:
-  /// Finds what delimited text cannot hold, and the size that the file must have.
-  void examineForCsv() {
+  /// Chooses the target's fields, finds what it cannot hold, and the size that the file must have where that
+  /// can be told. @return false, explained, when the table cannot be written at all
+  bool examine() {
     const progressLine progress(messages_, fmt::format("examining {}", request_.reading.file));
-    const csvLimits limits(options_.delimiter);
-    std::uint64_t size = 0;
+    if (const auto wrong = limits_->chooseFields(reader_, request_.targetFields, options_.fields)) {
+      messages_.error(*wrong);
+      return false;
+    }
+    if (const auto reason = limits_->tableProblem(reader_.count(), reader_.fieldCount()))
+      losses_.add("the table", *reason);
+    expectedSize_ = limits_->fileSize(reader_.count());
     std::vector<std::wstring> row;
-    const auto examine = [&](std::string_view place) {
-      size += limits.lineSize(row);
-      for (std::size_t field = 0; field < row.size(); ++field)
-        if (const auto reason = limits.problem(row[field]))
-          losses_.add(place, reader_.fieldName(field), *reason);
-    };
     reader_.fieldList(row);
-    examine("the header");
+    addRowSize(row);
+    for (std::size_t field = 0; field < row.size(); ++field)
+      if (const auto reason = limits_->nameProblem(field, row[field]))
+        losses_.add("the header", row[field], *reason);
     for (std::size_t number = 0; number < reader_.count(); ++number) {
       reader_.getRow(number, row);
-      const std::string place = fmt::format("row {}", grouped(number + 1));
-      examine(place);
-      if (std::all_of(row.begin(), row.end(), [](const auto& value) { return value.empty(); }))
-        losses_.add(place, "holds empty values only, and is skipped when it is read");
+      examineRow(fmt::format("row {}", grouped(number + 1)), row);
     }
-    expectedSize_ = size;
+    return true;
+  }
+
+  void examineRow(std::string_view place, const std::vector<std::wstring>& row) {
+    addRowSize(row);
+    for (std::size_t field = 0; field < row.size(); ++field)
+      if (const auto reason = limits_->problem(field, row[field]))
+        losses_.add(place, reader_.fieldName(field), *reason);
+    if (const auto reason = limits_->rowProblem(row)) losses_.add(place, *reason);
+  }
+
+  void addRowSize(const std::vector<std::wstring>& row) {
+    if (const auto size = limits_->rowSize(row)) expectedSize_ = expectedSize_.value_or(0) + *size;
   }
 
   bool write(const std::wstring& path) {
@@ -184,6 +170,7 @@ class conversion {
     if (!file.openForReading(path)) {
       messages_.error(fmt::format(
           "cannot create {}: check that its folder exists and may be written to", request_.target));
+      if (limits_->whenMissing() != nullptr) messages_.hint(limits_->whenMissing());
       return false;
     }
     const std::uint64_t size = file.size();
@@ -198,7 +185,8 @@ class conversion {
   const messageWriter& messages_;
   std::wstring target_;
   tableRW::tableWriterOptions options_;
-  std::optional<std::uint64_t> expectedSize_;  // where it can be known beforehand
+  std::unique_ptr<targetLimits> limits_;
+  std::optional<std::uint64_t> expectedSize_;  // known for some formats alone
   losses losses_;
 };
 
@@ -260,9 +248,7 @@ exitCode convertTable(const commandLine& request, toolContext& context) {
         fmt::format("{} holds no fields: there is nothing to write", request.reading.file));
     return exitCode::cannotOpen;
   }
-  conversion work(request, *reader, context.messages);
-  if (isWrittenAsDbf(toWide(request.target)) && !work.planDbf()) return exitCode::usage;
-  const exitCode written = work.run();
+  const exitCode written = conversion(request, *reader, context.messages).run();
   return worse(written, concludeReading(*reader, request.reading, context));
 }
 

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "tools/text.h"
@@ -32,7 +33,7 @@ std::optional<std::string> csvLimits::characterProblem(std::wstring_view text) c
   return std::nullopt;
 }
 
-std::optional<std::string> csvLimits::problem(std::wstring_view value) const {
+std::optional<std::string> csvLimits::problem(std::size_t, std::wstring_view value) const {
   if (auto reason = characterProblem(value)) return reason;
   if (isCutAtDelimiter(value)) return "holds the delimiter";
   if (!value.empty() && (value.front() == quotationMark || value.back() == quotationMark))
@@ -50,7 +51,15 @@ bool csvLimits::isCutAtDelimiter(std::wstring_view value) const {
   return false;
 }
 
-std::uint64_t csvLimits::lineSize(const std::vector<std::wstring>& row) const {
+std::optional<std::string> csvLimits::rowProblem(const std::vector<std::wstring>& row) const {
+  if (std::all_of(row.begin(), row.end(), [](const auto& value) { return value.empty(); }))
+    return "holds empty values only, and is skipped when it is read";
+  return std::nullopt;
+}
+
+const char* csvLimits::alternative() const { return "choose another --output-delimiter or format"; }
+
+std::optional<std::uint64_t> csvLimits::rowSize(const std::vector<std::wstring>& row) const {
   if (row.empty()) return 0;
   std::uint64_t size = lineEnd.size();
   bool isEnded = false;

@@ -14,21 +14,22 @@
 #include <vector>
 
 #include "tools/codePageLimits.h"
+#include "tools/targetLimits.h"
 
 namespace vokTable {
 
-class csvLimits {
+class csvLimits : public targetLimits {
  public:
   explicit csvLimits(std::wstring delimiter);
 
   /// Why a text holds a character that no line can hold; nothing when there is none.
   std::optional<std::string> characterProblem(std::wstring_view text) const;
 
-  /// Why a value would not come back as it is; nothing when it would.
-  std::optional<std::string> problem(std::wstring_view value) const;
-
-  /// Bytes that the writer makes of a row, its line end included; 0 for a row without values.
-  std::uint64_t lineSize(const std::vector<std::wstring>& row) const;
+  std::optional<std::string> problem(std::size_t field, std::wstring_view value) const override;
+  std::optional<std::string> rowProblem(const std::vector<std::wstring>& row) const override;
+  /// The line end included; 0 for a row without values.
+  std::optional<std::uint64_t> rowSize(const std::vector<std::wstring>& row) const override;
+  const char* alternative() const override;
 
  private:
   bool isCutAtDelimiter(std::wstring_view value) const;

@@ -158,8 +158,9 @@ bool parseType(std::string_view text, tableRW::writerField& field) {
 
 }  // namespace
 
-std::optional<std::string> dbfPlan::choose(const tableRW::tableReader& reader,
-                                           const std::optional<std::string>& named) {
+std::optional<std::string> dbfPlan::chooseFields(const tableRW::tableReader& reader,
+                                                 const std::optional<std::string>& named,
+                                                 std::vector<tableRW::writerField>& fields) {
   std::vector<fieldNeeds> needs(reader.fieldCount());
   std::vector<std::wstring> row;
   for (std::size_t number = 0; number < reader.count(); ++number) {
@@ -183,6 +184,7 @@ std::optional<std::string> dbfPlan::choose(const tableRW::tableReader& reader,
   if (recordLength > longestRecord)
     return fmt::format("a record of a DBF file holds {} at most, and the table needs {}",
                        counted(longestRecord, "byte"), grouped(recordLength));
+  fields = fields_;
   return std::nullopt;
 }
 
@@ -209,7 +211,7 @@ std::optional<std::string> dbfPlan::useNamed(const tableRW::tableReader& reader,
   return std::nullopt;
 }
 
-std::optional<std::string> dbfPlan::nameProblem(std::size_t field) const {
+std::optional<std::string> dbfPlan::nameProblem(std::size_t field, std::wstring_view) const {
   const std::string& latin = latinNames_[field];
   if (latin.empty()) return "has no name, and gets one";
   if (latin.size() > longestName)
@@ -257,13 +259,17 @@ std::optional<std::string> dbfPlan::problem(std::size_t field, std::wstring_view
   return std::nullopt;
 }
 
-std::uint64_t dbfPlan::fileSize(std::uint64_t rows) const {
+std::optional<std::uint64_t> dbfPlan::fileSize(std::uint64_t rows) const {
   constexpr std::uint64_t header = 32;
   constexpr std::uint64_t descriptor = 32;
   std::uint64_t record = 1;
   for (const tableRW::writerField& field : fields_)
     record += static_cast<std::uint64_t>(field.width);
   return header + descriptor * fields_.size() + 1 + rows * record + 1;
+}
+
+const char* dbfPlan::alternative() const {
+  return "choose other --fields, another --system-encoding or format";
 }
 
 }  // namespace vokTable

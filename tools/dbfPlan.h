@@ -18,30 +18,27 @@
 #include "table_rw/core/tableReader.h"
 #include "table_rw/writers/tableWriter.h"
 #include "tools/codePageLimits.h"
+#include "tools/targetLimits.h"
 
 namespace vokTable {
 
-class dbfPlan {
+class dbfPlan : public targetLimits {
  public:
   /// @param codePage  of the file: the system's, resolved
   explicit dbfPlan(unsigned codePage) : page_(codePage) {}
 
-  /// Chooses the fields of a table that was read.
-  /// @param named    what --fields says
-  /// @return what is wrong with `named`, or why such a table can be no DBF file
-  std::optional<std::string> choose(const tableRW::tableReader& reader,
-                                    const std::optional<std::string>& named);
+  std::optional<std::string> chooseFields(const tableRW::tableReader& reader,
+                                          const std::optional<std::string>& named,
+                                          std::vector<tableRW::writerField>& fields) override;
 
-  const std::vector<tableRW::writerField>& fields() const { return fields_; }
+  /// A name may become its transliteration.
+  std::optional<std::string> nameProblem(std::size_t field, std::wstring_view name) const override;
 
-  /// Why a field cannot keep its name; nothing when it can, or as its transliteration.
-  std::optional<std::string> nameProblem(std::size_t field) const;
+  /// A number comes back when its value does.
+  std::optional<std::string> problem(std::size_t field, std::wstring_view value) const override;
 
-  /// Why a value would not come back as it is (a number: with the same value).
-  std::optional<std::string> problem(std::size_t field, std::wstring_view value) const;
-
-  /// Bytes of the whole file.
-  std::uint64_t fileSize(std::uint64_t rows) const;
+  std::optional<std::uint64_t> fileSize(std::uint64_t rows) const override;
+  const char* alternative() const override;
 
  private:
   std::optional<std::string> useNamed(const tableRW::tableReader& reader, std::string_view named);

@@ -5,9 +5,7 @@
 #include <memory>
 
 #include "platform/caseFolding.h"
-#include "platform/environment.h"
 #include "table_rw/core/tableReader.h"
-#include "table_rw/writers/tableWriter.h"
 #include "tools/tableDrawing.h"
 #include "tools/text.h"
 
@@ -74,17 +72,6 @@ bool isRead(const format& asked) {
   return !reader->path().empty();
 }
 
-bool isWritten(const std::wstring& extension) {
-  // A writer creates its file at once, so the question names a folder that does not exist.
-  tableRW::tableWriterOptions options;
-  options.fileName = platform::temporaryFolder() + L"vok_table-" +
-                     std::to_wstring(platform::currentThreadId()) + L"-" +
-                     std::to_wstring(platform::clockCount()) + L"/table." + extension;
-  tableRW::tableWriter* const writer = tableRW::tableWriter::open(options);
-  tableRW::tableWriter::close(writer);
-  return writer != nullptr;
-}
-
 /// The extension as the factory of the writers takes it: after the last dot of the file's name.
 std::wstring writtenExtension(const std::wstring& path) {
   const std::size_t name = path.find_last_of(L"/\\") + 1;  // 0 when there is neither
@@ -126,12 +113,12 @@ bool isDelimitedText(std::int32_t fileType, const std::wstring& path) {
 bool isWritable(const std::wstring& path) {
   const std::wstring extension = writtenExtension(path);
   const format* const read = extension.empty() ? nullptr : formatOfPath(L"." + extension);
-  return (read == nullptr || *read->written != '\0') && isWritten(extension);
+  return read == nullptr || *read->written != '\0';
 }
 
-bool isWrittenAsDelimitedText(const std::wstring& path) {
+bool isWrittenAsWorkbook(const std::wstring& path) {
   const std::wstring extension = writtenExtension(path);
-  return extension != L"xls" && extension != L"xlsx" && extension != L"dbf";
+  return extension == L"xls" || extension == L"xlsx";
 }
 
 bool isWrittenAsDbf(const std::wstring& path) { return writtenExtension(path) == L"dbf"; }
@@ -142,8 +129,7 @@ void showFormats(dataOutput& output) {
   table.visitRows = [](const rowReceiver& receive) {
     const auto answer = [](bool isThere) { return isThere ? L"yes" : L"not in this version"; };
     for (const format& each : formats) {
-      const std::wstring extension = toWide(each.written);
-      const wchar_t* const write = extension.empty() ? L"no" : answer(isWritten(extension));
+      const wchar_t* const write = *each.written == '\0' ? L"no" : L"yes";
       if (!receive({toWide(each.title), toWide(each.typeName), toWide(each.chosenFor),
                     answer(isRead(each)), write}))
         return;

@@ -33,11 +33,11 @@ bool isDelimitedText(std::int32_t fileType, const std::wstring& path);
 /// True when this version writes the format that the path's extension names.
 bool isWritable(const std::wstring& path);
 
-/// True when a table that is written to this path becomes delimited text.
-bool isWrittenAsDelimitedText(const std::wstring& path);
-
 /// True when a table that is written to this path becomes a DBF file.
 bool isWrittenAsDbf(const std::wstring& path);
+
+/// True when a table that is written to this path becomes a workbook.
+bool isWrittenAsWorkbook(const std::wstring& path);
 
 /// The command `formats`: a table of all formats and what this version does with each.
 void showFormats(dataOutput& output);

@@ -116,6 +116,13 @@ bool binaryFile::openForWriting(const std::wstring& path) {
   return isOpen();
 }
 
+bool binaryFile::openForAppending(const std::wstring& path) {
+  close();
+  handle_ = openFile(path, O_WRONLY);
+  if (isOpen() && ::lseek(static_cast<int>(handle_), 0, SEEK_END) < 0) close();
+  return isOpen();
+}
+
 std::size_t binaryFile::read(void* buffer, std::size_t size) {
   if (!isOpen()) return 0;
   std::size_t done = 0;

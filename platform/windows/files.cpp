@@ -114,6 +114,15 @@ bool binaryFile::openForWriting(const std::wstring& path) {
   return isOpen();
 }
 
+bool binaryFile::openForAppending(const std::wstring& path) {
+  close();
+  handle_ = reinterpret_cast<std::intptr_t>(CreateFileW(
+      path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (isOpen() && SetFilePointerEx(asHandle(handle_), LARGE_INTEGER{}, nullptr, FILE_END) == 0)
+    close();
+  return isOpen();
+}
+
 std::size_t binaryFile::read(void* buffer, std::size_t size) {
   if (!isOpen()) return 0;
   std::size_t done = 0;

@@ -6,6 +6,7 @@
 #include "table_rw/core/pathNames.h"
 #include "table_rw/writers/tableWriter_csv.h"
 #include "table_rw/writers/tableWriter_dbf.h"
+#include "table_rw/writers/tableWriter_xls.h"
 
 namespace tableRW {
 namespace {
@@ -15,17 +16,13 @@ tableWriter* make(tableWriterOptions options) {
   return new Variant(std::move(options));
 }
 
-// A format that this version does not write yet: refused, so that nothing is written in another one
-// under its name.
-tableWriter* refuse(tableWriterOptions) { return nullptr; }
-
 // ODD: .xls is written as XLSX too; spreadsheet programs open it and old scripts name their files so.
 constexpr struct {
   const wchar_t* extension;
   tableWriter* (*make)(tableWriterOptions options);
 } writerVariants[] = {
-    {L".xls",  refuse               },
-    {L".xlsx", refuse               },
+    {L".xls",  make<tableWriter_xls>},
+    {L".xlsx", make<tableWriter_xls>},
     {L".dbf",  make<tableWriter_dbf>},
     {L".csv",  make<tableWriter_csv>},
 };

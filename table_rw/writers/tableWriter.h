@@ -55,7 +55,8 @@ class VOK_API tableWriter {
   virtual bool addRow(const std::vector<std::wstring>& row) = 0;
 
   /// Opens a writer chosen by the extension of the file name, without regard to letter case: .xls and
-  /// .xlsx XLSX, .dbf DBF, anything else CSV. The target is created or emptied at once.
+  /// .xlsx XLSX, .dbf DBF, anything else CSV. The target is created or emptied
+  /// at once, except that of XLSX, which appears when the writer is closed.
   /// @return a writer that the caller hands to close; null when the file name is empty, and for a
   ///         format that this version cannot write (nothing is created then)
   /// A file that cannot be created is not reported: the rows are accepted and go nowhere.

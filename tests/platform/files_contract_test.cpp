@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <utility>
@@ -413,24 +414,59 @@ TEST_F(files, aFileIsFoundWhateverTheCaseOfItsName) {
   EXPECT_EQ(nameOf(L"other"), L"other") << "the very name comes first";
 }
 
-TEST_F(files, readingAndWritingAtAPosition) {
-  const std::wstring path = folder_.file(L"positions");
-  platform::binaryFile file;
-  EXPECT_FALSE(file.seek(0)) << "not open";
-  ASSERT_TRUE(file.openForWriting(path));
-  EXPECT_TRUE(file.write("abcdef", 6));
-  EXPECT_TRUE(file.seek(2));
-  EXPECT_TRUE(file.write("XY", 2));
+// --- positions ---
+
+TEST_F(files, seekMovesReadingAndWriting) {
+  binaryFile file;
+  ASSERT_TRUE(file.openForWriting(folder_.file(L"f")));
+  EXPECT_TRUE(file.write("0123456789", 10));
+  EXPECT_TRUE(file.seek(3));
+  EXPECT_TRUE(file.write("xy", 2));
+  EXPECT_TRUE(file.seek(10));
+  EXPECT_TRUE(file.write("!", 1));
   EXPECT_TRUE(file.close());
-  EXPECT_EQ(readFile(path), "abXYef");
-  ASSERT_TRUE(file.openForReading(path));
-  char bytes[4] = {};
-  EXPECT_TRUE(file.seek(4));
-  EXPECT_EQ(file.read(bytes, 4), 2u);
-  EXPECT_EQ(std::string(bytes, 2), "ef");
-  EXPECT_TRUE(file.seek(std::uint64_t{1} << 33)) << "behind the end, past 32 bits";
-  EXPECT_EQ(file.read(bytes, 4), 0u);
-  EXPECT_FALSE(file.seek(~std::uint64_t{0})) << "no position at all";
+  EXPECT_EQ(readFile(folder_.file(L"f")), "012xy56789!");
+  ASSERT_TRUE(file.openForReading(folder_.file(L"f")));
+  char buffer[4] = {};
+  EXPECT_TRUE(file.seek(8));
+  EXPECT_EQ(file.read(buffer, 4), 3u);
+  EXPECT_EQ(std::string(buffer, 3), "89!");
+  EXPECT_TRUE(file.seek(0));
+  EXPECT_EQ(file.read(buffer, 1), 1u);
+  EXPECT_EQ(buffer[0], '0');
+}
+
+TEST_F(files, seekBehindTheEndAndFarBeyond) {
+  writeFile(folder_.file(L"f"), "x");
+  binaryFile file;
+  ASSERT_TRUE(file.openForReading(folder_.file(L"f")));
+  char byte = 0;
+  EXPECT_TRUE(file.seek(std::uint64_t{1} << 33));
+  EXPECT_EQ(file.read(&byte, 1), 0u);
+  EXPECT_FALSE(file.seek(~std::uint64_t{0}));
+}
+
+TEST_F(files, seekNeedsAnOpenFile) {
+  binaryFile file;
+  EXPECT_FALSE(file.seek(0));
+}
+
+TEST_F(files, appendingGoesOnBehindTheLastByte) {
+  writeFile(folder_.file(L"f"), "old ");
+  binaryFile file;
+  ASSERT_TRUE(file.openForAppending(folder_.file(L"f")));
+  EXPECT_TRUE(file.write("new", 3));
+  EXPECT_TRUE(file.seek(1));
+  EXPECT_TRUE(file.write("L", 1));
+  EXPECT_TRUE(file.close());
+  EXPECT_EQ(readFile(folder_.file(L"f")), "oLd new");
+}
+
+TEST_F(files, appendingCreatesNothing) {
+  binaryFile file;
+  EXPECT_FALSE(file.openForAppending(folder_.file(L"f")));
+  EXPECT_FALSE(file.isOpen());
+  EXPECT_FALSE(platform::fileExists(folder_.file(L"f")));
 }
 
 }  // namespace
