@@ -48,52 +48,100 @@ std::string uriOf(const std::wstring& path, std::string_view parameters) {
   return uri.append(parameters);
 }
 
-enum class readingMode { readOnly, withOwnIndex, unchanging, refused };
-
 // FORMAT: the first page of a database begins with these numbers, highest byte first.
 struct databaseHeader {
   std::array<unsigned char, 100> bytes = {};
 
-  std::uint32_t number(std::size_t at) const {
+  std::uint32_t number(std::size_t at, std::size_t size = 4) const {
     std::uint32_t value = 0;
-    for (std::size_t i = at; i < at + 4; ++i) value = value << 8 | bytes[i];
+    for (std::size_t i = 0; i < size; ++i) value = value << 8 | bytes[at + i];
     return value;
   }
+  bool isOfDatabase() const {
+    constexpr std::string_view magic("SQLite format 3", 16);  // the NUL included
+    return std::equal(magic.begin(), magic.end(), bytes.begin());
+  }
   // The version that readers must know; 2 is write-ahead mode.
-  bool isWriteAhead() const { return bytes[19] == 2; }
-  bool isDatabase() const {
-    constexpr std::string_view mark = "SQLite format 3\0"sv;
-    return std::equal(mark.begin(), mark.end(), bytes.begin());
+  bool isWriteAhead() const { return isOfDatabase() && bytes[19] == 2; }
+  std::uint64_t pageSize() const {
+    const std::uint64_t size = number(16, 2);
+    return size == 1 ? 65536 : size;
   }
   // What the file must have at least; 0 when an old engine has not kept the number up.
-  std::uint64_t leastSize() const {
-    const std::uint64_t pageSize = number(16) >> 16;
-    const bool isKeptUp = isDatabase() && number(24) == number(92);
-    return isKeptUp ? number(28) * (pageSize == 1 ? 65536 : pageSize) : 0;
-  }
+  std::uint64_t leastSize() const { return number(24) == number(92) ? number(28) * pageSize() : 0; }
 };
 
-// True for a file that others may have open and one that holds anything; the engine too takes an empty one
-// for none.
-bool hasContent(const std::wstring& path) {
-  if (!platform::fileExists(path)) return false;
-  platform::binaryFile file;
-  return !file.openForReading(path) || file.size() != 0;
-}
+// A database's file and what stands beside it, seen with the engine's eyes.
+//
+// WHY not files of our own: on POSIX systems a program that closes a file loses all its locks on it, those
+// of the engine's other connections included. The engine knows that of its own files. It also knows where
+// a link leads to, and what stands beside the file there.
+class databaseFile {
+ public:
+  // @param connection  has the database open for reading, and has not read from it yet
+  explicit databaseFile(sqlite3* connection) : name_(sqlite3_db_filename(connection, "main")) {
+    sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file_);
+    sqlite3_file_control(connection, "main", SQLITE_FCNTL_VFS_POINTER, &system_);
+    sqlite3_int64 size = 0;
+    file_->pMethods->xFileSize(file_, &size);
+    size_ = static_cast<std::uint64_t>(size);
+    file_->pMethods->xRead(file_, header_.bytes.data(), static_cast<int>(header_.bytes.size()), 0);
+  }
 
-readingMode modeFor(const std::wstring& path) {
-  databaseHeader header;
-  platform::binaryFile file;
-  const bool isKnown = file.openForReading(path);
-  if (isKnown && file.read(header.bytes.data(), header.bytes.size()) == 0)
-    return readingMode::unchanging;
-  if (hasContent(path + L"-wal"))
-    return platform::fileExists(path + L"-shm") ? readingMode::readOnly : readingMode::withOwnIndex;
-  // The engine fills a last page that is cut with zeros, and would give values that nobody has stored. While
-  // a journal stands there, the file is being written.
-  if (isKnown && file.size() < header.leastSize() && !hasContent(path + L"-journal"))
-    return readingMode::refused;
-  return isKnown && header.isWriteAhead() ? readingMode::unchanging : readingMode::readOnly;
+  bool isEmpty() const { return size_ == 0; }
+  bool isWriteAhead() const { return header_.isWriteAhead(); }
+  bool hasLog() const { return has(sqlite3_filename_wal(name_), SQLITE_ACCESS_EXISTS); }
+  bool hasLogAndIndex() const {
+    return has(sqlite3_filename_wal(name_), SQLITE_ACCESS_READWRITE) &&
+           has((std::string(name_) + "-shm").c_str(), SQLITE_ACCESS_READWRITE);
+  }
+
+  // The engine fills a last page that is cut with zeros, and would give values that nobody has stored. Whole
+  // pages may be missing while the file is being written.
+  bool isCut() const {
+    if (!header_.isOfDatabase() || header_.pageSize() == 0) return false;
+    if (size_ % header_.pageSize() != 0 &&
+        (size_ < header_.leastSize() || header_.leastSize() == 0))
+      return true;
+    return size_ < header_.leastSize() && !hasLog() &&
+           !has(sqlite3_filename_journal(name_), SQLITE_ACCESS_EXISTS);
+  }
+
+  // True when somebody keeps all others out for as long as statements wait.
+  bool isLocked() const {
+    constexpr int stepMilliseconds = 50;
+    for (int waited = 0; waited < busyMilliseconds; waited += stepMilliseconds) {
+      const int result = file_->pMethods->xLock(file_, SQLITE_LOCK_SHARED);
+      file_->pMethods->xUnlock(file_, SQLITE_LOCK_NONE);
+      if (result != SQLITE_BUSY) return false;
+      sqlite3_sleep(stepMilliseconds);
+    }
+    return true;
+  }
+
+ private:
+  // SQLITE_ACCESS_EXISTS takes an empty file for none, SQLITE_ACCESS_READWRITE does not.
+  bool has(const char* name, int access) const {
+    int answer = 0;
+    return system_->xAccess(system_, name, access, &answer) == SQLITE_OK && answer != 0;
+  }
+
+  const char* name_;
+  sqlite3_file* file_ = nullptr;
+  sqlite3_vfs* system_ = nullptr;
+  databaseHeader header_;
+  std::uint64_t size_ = 0;
+};
+
+enum class readingMode { readOnly, withOwnIndex, unchanging, refused };
+
+readingMode modeFor(const databaseFile& file) {
+  if (file.isEmpty()) return readingMode::unchanging;
+  if (file.isCut()) return readingMode::refused;
+  if ((file.hasLog() || file.isWriteAhead()) && file.hasLogAndIndex()) return readingMode::readOnly;
+  // Whoever keeps all others out keeps the index to himself, too.
+  if (file.hasLog()) return file.isLocked() ? readingMode::refused : readingMode::withOwnIndex;
+  return file.isWriteAhead() ? readingMode::unchanging : readingMode::readOnly;
 }
 
 sqliteConnection openUri(const std::string& uri, int flags, const char* system) {
@@ -108,17 +156,19 @@ sqliteConnection openUri(const std::string& uri, int flags, const char* system) 
 }
 
 sqliteConnection openForReading(const std::wstring& path) {
-  const readingMode mode = modeFor(path);
-  if (mode == readingMode::refused) return nullptr;
-  const bool ownIndex = mode == readingMode::withOwnIndex;
-  const char* const parameters = mode == readingMode::unchanging ? "?immutable=1" : "";
-  sqliteConnection connection = openUri(uriOf(path, parameters), SQLITE_OPEN_READONLY,
-                                        ownIndex ? systemWithoutLocks : nullptr);
+  sqliteConnection connection = openUri(uriOf(path, ""), SQLITE_OPEN_READONLY, nullptr);
   if (!connection) return nullptr;
+  const readingMode mode = modeFor(databaseFile(connection.get()));
+  if (mode == readingMode::refused) return nullptr;
+  if (mode == readingMode::unchanging)
+    return openUri(uriOf(path, "?immutable=1"), SQLITE_OPEN_READONLY, nullptr);
+  if (mode == readingMode::withOwnIndex) {
+    connection = openUri(uriOf(path, ""), SQLITE_OPEN_READONLY, systemWithoutLocks);
+    if (!connection) return nullptr;
+    sqlite3_exec(connection.get(), "PRAGMA locking_mode=EXCLUSIVE", nullptr, nullptr, nullptr);
+  }
   // The last to close a log would bring it into the database.
   sqlite3_db_config(connection.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
-  if (ownIndex)
-    sqlite3_exec(connection.get(), "PRAGMA locking_mode=EXCLUSIVE", nullptr, nullptr, nullptr);
   return connection;
 }
 

@@ -9,6 +9,7 @@
 //     -wal and -shm               read-only                   somebody has it open, or had
 //     -wal alone                  read-only, the log's index  the index would be created on disk
 //                                 in own memory, no locks
+//     -wal alone, and a lock      not at all                  its owner writes without an index on disk
 //     write-ahead, no -wal        unchanging                  the log would be created, and is empty
 //     shorter than it says        not at all                  the engine would make up the end of a page
 //     nothing                     read-only                   the ordinary case

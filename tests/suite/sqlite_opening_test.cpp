@@ -10,6 +10,7 @@
 #include "platform/files.h"
 #include "platform/vok_io.h"
 #include "suite/io/sqliteConnection.h"
+#include "tests/support/fileLocks.h"
 #include "tests/support/sqliteDatabase.h"
 #include "tests/support/tableText.h"
 #include "tests/support/targetSystem.h"
@@ -256,6 +257,91 @@ TEST(sqliteOpening, everyQueryLooksAnew) {
   sqliteDatabase(path).run("PRAGMA journal_mode=DELETE; DELETE FROM t");
   EXPECT_EQ(answer(reading), 0);
   EXPECT_EQ(filesIn(folder).size(), 1U);
+}
+
+// On POSIX systems closing any descriptor of a file drops all locks that the program holds on it.
+TEST(sqliteOpening, readingKeepsTheLocksOfItsOwnProgram) {
+  const temporaryFolder folder;
+  const std::wstring path = folder.file(L"a.sqlite");
+  sqliteDatabase writer(path);
+  writer.run(
+      "CREATE TABLE t(a); INSERT INTO t VALUES(1); BEGIN IMMEDIATE; INSERT INTO t VALUES(2)");
+  EXPECT_EQ(answer(open(connectionString(path))), 1);
+  EXPECT_TRUE(testSupport::ownsLockOn(path));
+}
+
+// The log is empty, but there: what is read must not change under the reader.
+TEST(sqliteOpening, aWriterWithAnEmptyLogDisturbsNoReader) {
+  const temporaryFolder folder;
+  const std::wstring path = folder.file(L"a.sqlite");
+  sqliteDatabase writer(path);
+  writer.run(
+      "PRAGMA journal_mode=WAL; CREATE TABLE t(a, b);"
+      "INSERT INTO t SELECT 1, zeroblob(3000) FROM "
+      "(WITH n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 50) SELECT i FROM n);"
+      "PRAGMA wal_checkpoint(TRUNCATE)");
+  ASSERT_EQ(filesIn(folder).at(L"a.sqlite-wal"), "");
+  const ownedDatabase reading = open(connectionString(path));
+  Ivo_sqlite_stmt* const rows = vo_sqlite_db_query_stmt(reading.get(), L"SELECT a FROM t", 1);
+  int sum = vo_sqlite_stmt_next_row(rows) ? vo_sqlite_stmt_get_int(rows, 0) : 0;
+  writer.run("UPDATE t SET a = 100; PRAGMA wal_checkpoint");
+  while (vo_sqlite_stmt_next_row(rows)) sum += vo_sqlite_stmt_get_int(rows, 0);
+  EXPECT_EQ(sum, 50) << "all rows of one state";
+  vo_sqlite_stmt_destroy(rows);
+  EXPECT_EQ(answer(reading, L"SELECT sum(a) FROM t"), 5000);
+}
+
+// It writes without an index on disk, so readers could not agree with it on anything.
+TEST(sqliteOpening, aLogWithoutIndexThatSomebodyHasForHimselfIsLocked) {
+  const temporaryFolder folder;
+  const std::wstring path = folder.file(L"a.sqlite");
+  sqliteDatabase(path).run("PRAGMA journal_mode=WAL; CREATE TABLE t(a)");
+  sqliteDatabase writer(path);
+  writer.run("PRAGMA locking_mode=EXCLUSIVE; INSERT INTO t VALUES(1)");
+  ASSERT_FALSE(platform::fileExists(path + L"-shm"));
+  EXPECT_EQ(answer(open(connectionString(path))), -1) << "after the busy timeout";
+  EXPECT_TRUE(testSupport::ownsLockOn(path));
+}
+
+// What stands beside a database stands beside the file that a link leads to.
+TEST(sqliteOpening, aLinkLeadsToTheLogToo) {
+  const temporaryFolder folder;
+  const temporaryFolder elsewhere;
+  const std::wstring path = folder.file(L"a.sqlite");
+  const std::wstring link = elsewhere.file(L"link.sqlite");
+  sqliteDatabase writer(path);
+  writer.run("PRAGMA journal_mode=WAL; CREATE TABLE t(a)");
+  std::error_code failure;
+  std::filesystem::create_symlink(path, link, failure);
+  if (failure) GTEST_SKIP() << "links cannot be created here";
+  writer.run("INSERT INTO t VALUES(1)");
+  EXPECT_EQ(answer(open(connectionString(link))), 1);
+  copyFile(path, folder.file(L"b.sqlite"));
+  copyFile(path + L"-wal", folder.file(L"b.sqlite-wal"));
+  std::filesystem::remove(link);
+  std::filesystem::create_symlink(folder.file(L"b.sqlite"), link);
+  const auto before = filesIn(folder);
+  EXPECT_EQ(answer(open(connectionString(link))), 1);
+  EXPECT_EQ(filesIn(folder).size(), before.size());
+  EXPECT_EQ(filesIn(elsewhere).size(), 1U);
+}
+
+// The rest of the last page would come out as zeros, whatever stands beside the database.
+TEST(sqliteOpening, aPageThatIsCutIsRefused) {
+  const temporaryFolder folder;
+  const std::wstring path = folder.file(L"a.sqlite");
+  sqliteDatabase(path).run("PRAGMA journal_mode=WAL; CREATE TABLE t(a); INSERT INTO t VALUES(1)");
+  const std::string whole = testSupport::readFile(path).value();
+  EXPECT_EQ(answer(open(connectionString(path))), 1);
+  for (const wchar_t* const beside : {L"unrelated", L"a.sqlite-wal", L"a.sqlite-journal"}) {
+    folder.write(beside, "what is left of another");
+    for (const std::size_t cut : {1U, 500U, 4095U}) {
+      folder.write(L"a.sqlite", whole.substr(0, whole.size() - cut));
+      EXPECT_TRUE(isRefused(connectionString(path)))
+          << cut << ' ' << testSupport::printable(beside);
+    }
+    platform::removeFile(folder.file(beside));
+  }
 }
 
 // A handle of a connection string becomes an ordinary one when something is to be changed.
