@@ -74,7 +74,8 @@ Ivo_sqlite_stmt* vo_sqlite_db_query_stmt(Ivo_sqlite_db* database, const wchar_t*
 bool vo_sqlite_stmt_next_row(Ivo_sqlite_stmt* statement);
 
 /* True when the last step ended with a failure (a damaged or locked database) and not behind the last
- * row. */
+ * row; also when the rows may be of two states of the database, as somebody has opened it for writing since
+ * the query began, and the query could not hold its state fast: it can be repeated then. */
 bool vo_sqlite_stmt_has_failed(const Ivo_sqlite_stmt* statement);
 
 /* Number of columns of a row; 0 for statements without rows. */

@@ -16,7 +16,6 @@
 using suiteIo::columnType;
 using suiteIo::connectionKind;
 using suiteIo::openConnection;
-using suiteIo::sqliteConnection;
 using suiteIo::utf8Of;
 
 namespace {
@@ -113,7 +112,8 @@ std::vector<columnType> declaredTypes(sqlite3* connection, const std::string& sq
 
 struct Ivo_sqlite_db {
   std::wstring path;
-  sqliteConnection connection;  // none while only reading is wanted: each query has its own then
+  suiteIo::sqliteConnection
+      connection;  // none while only reading is wanted: each query has its own then
 
   // From here on an ordinary connection.
   bool allowChanges() {
@@ -123,7 +123,7 @@ struct Ivo_sqlite_db {
 };
 
 struct Ivo_sqlite_stmt {
-  sqliteConnection reading;  // its own connection, where it has one
+  suiteIo::readingConnection reading;  // its own connection, where it has one
   preparedStatement statement;
   std::vector<columnType> declared;  // by row, where the statement is a PRAGMA table_info
   std::size_t rowsSeen = 0;
@@ -148,11 +148,9 @@ Ivo_sqlite_db* vo_sqlite_db_open(const wchar_t* path, int) {
   const auto named = suiteIo::databaseOfConnectionString(path);
   auto database = std::make_unique<Ivo_sqlite_db>();
   database->path = named.value_or(path);
-  sqliteConnection connection =
-      openConnection(database->path, named ? connectionKind::reading : connectionKind::creating);
-  if (!connection) return nullptr;
-  if (!named) database->connection = std::move(connection);
-  return database.release();
+  if (named) return suiteIo::readingConnection().open(*named) ? database.release() : nullptr;
+  database->connection = openConnection(database->path, connectionKind::creating);
+  return database->connection ? database.release() : nullptr;
 }
 
 void vo_sqlite_db_close(Ivo_sqlite_db* database) { delete database; }
@@ -179,14 +177,14 @@ Ivo_sqlite_stmt* vo_sqlite_db_query_stmt(Ivo_sqlite_db* database, const wchar_t*
   auto query = std::make_unique<Ivo_sqlite_stmt>();
   sqlite3* connection = database->connection.get();
   if (connection == nullptr) {
-    query->reading = openConnection(database->path, connectionKind::reading);
+    if (!query->reading.open(database->path)) return nullptr;
     connection = query->reading.get();
-    if (connection == nullptr) return nullptr;
   }
   query->statement = prepare(connection, text.c_str());
-  if (query->reading && query->statement && sqlite3_stmt_readonly(query->statement.get()) == 0) {
+  if (query->reading.get() != nullptr && query->statement &&
+      sqlite3_stmt_readonly(query->statement.get()) == 0) {
     query->statement.reset();
-    query->reading.reset();
+    query->reading.close();
     if (!database->allowChanges()) return nullptr;
     connection = database->connection.get();
     query->statement = prepare(connection, text.c_str());
@@ -207,7 +205,7 @@ bool vo_sqlite_stmt_next_row(Ivo_sqlite_stmt* statement) {
 }
 
 bool vo_sqlite_stmt_has_failed(const Ivo_sqlite_stmt* statement) {
-  return statement != nullptr && statement->failed;
+  return statement != nullptr && (statement->failed || statement->reading.isDisturbed());
 }
 
 int vo_sqlite_stmt_get_column_count(const Ivo_sqlite_stmt* statement) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <new>
+#include <utility>
 
 #include "platform/caseFolding.h"
 #include "platform/codePages.h"
@@ -78,7 +79,7 @@ struct databaseHeader {
 // a link leads to, and what stands beside the file there.
 class databaseFile {
  public:
-  // @param connection  has the database open for reading, and has not read from it yet
+  // @param connection  has the database open for reading, and no statements
   explicit databaseFile(sqlite3* connection) : name_(sqlite3_db_filename(connection, "main")) {
     sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file_);
     sqlite3_file_control(connection, "main", SQLITE_FCNTL_VFS_POINTER, &system_);
@@ -91,9 +92,9 @@ class databaseFile {
   bool isEmpty() const { return size_ == 0; }
   bool isWriteAhead() const { return header_.isWriteAhead(); }
   bool hasLog() const { return has(sqlite3_filename_wal(name_), SQLITE_ACCESS_EXISTS); }
+  bool hasLogOfAnySize() const { return has(sqlite3_filename_wal(name_), SQLITE_ACCESS_READWRITE); }
   bool hasLogAndIndex() const {
-    return has(sqlite3_filename_wal(name_), SQLITE_ACCESS_READWRITE) &&
-           has((std::string(name_) + "-shm").c_str(), SQLITE_ACCESS_READWRITE);
+    return hasLogOfAnySize() && has((std::string(name_) + "-shm").c_str(), SQLITE_ACCESS_READWRITE);
   }
 
   // The engine fills a last page that is cut with zeros, and would give values that nobody has stored. Whole
@@ -107,13 +108,13 @@ class databaseFile {
            !has(sqlite3_filename_journal(name_), SQLITE_ACCESS_EXISTS);
   }
 
-  // True when somebody keeps all others out for as long as statements wait.
-  bool isLocked() const {
+  // True when somebody keeps all others out for as long as statements wait. Otherwise the connection holds a
+  // reader's lock from here on.
+  bool isLocked() {
     constexpr int stepMilliseconds = 50;
     for (int waited = 0; waited < busyMilliseconds; waited += stepMilliseconds) {
-      const int result = file_->pMethods->xLock(file_, SQLITE_LOCK_SHARED);
+      if (file_->pMethods->xLock(file_, SQLITE_LOCK_SHARED) != SQLITE_BUSY) return false;
       file_->pMethods->xUnlock(file_, SQLITE_LOCK_NONE);
-      if (result != SQLITE_BUSY) return false;
       sqlite3_sleep(stepMilliseconds);
     }
     return true;
@@ -135,13 +136,14 @@ class databaseFile {
 
 enum class readingMode { readOnly, withOwnIndex, unchanging, refused };
 
-readingMode modeFor(const databaseFile& file) {
+readingMode modeFor(databaseFile& file) {
   if (file.isEmpty()) return readingMode::unchanging;
   if (file.isCut()) return readingMode::refused;
   if ((file.hasLog() || file.isWriteAhead()) && file.hasLogAndIndex()) return readingMode::readOnly;
   // Whoever keeps all others out keeps the index to himself, too.
   if (file.hasLog()) return file.isLocked() ? readingMode::refused : readingMode::withOwnIndex;
-  return file.isWriteAhead() ? readingMode::unchanging : readingMode::readOnly;
+  if (!file.isWriteAhead()) return readingMode::readOnly;
+  return file.isLocked() ? readingMode::refused : readingMode::unchanging;
 }
 
 sqliteConnection openUri(const std::string& uri, int flags, const char* system) {
@@ -155,21 +157,10 @@ sqliteConnection openUri(const std::string& uri, int flags, const char* system) 
   return connection;
 }
 
-sqliteConnection openForReading(const std::wstring& path) {
-  sqliteConnection connection = openUri(uriOf(path, ""), SQLITE_OPEN_READONLY, nullptr);
-  if (!connection) return nullptr;
-  const readingMode mode = modeFor(databaseFile(connection.get()));
-  if (mode == readingMode::refused) return nullptr;
-  if (mode == readingMode::unchanging)
-    return openUri(uriOf(path, "?immutable=1"), SQLITE_OPEN_READONLY, nullptr);
-  if (mode == readingMode::withOwnIndex) {
-    connection = openUri(uriOf(path, ""), SQLITE_OPEN_READONLY, systemWithoutLocks);
-    if (!connection) return nullptr;
-    sqlite3_exec(connection.get(), "PRAGMA locking_mode=EXCLUSIVE", nullptr, nullptr, nullptr);
-  }
-  // The last to close a log would bring it into the database.
-  sqlite3_db_config(connection.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
-  return connection;
+bool canBeDatabase(const std::wstring& path, bool creating) {
+  if (path.empty()) return false;
+  if (!platform::fileExists(path)) return creating;
+  return !platform::folderExists(path) && !platform::isPipeOrDevice(path);
 }
 
 }  // namespace
@@ -192,15 +183,48 @@ std::optional<std::wstring> databaseOfConnectionString(std::wstring_view text) {
 sqliteConnection openConnection(const std::wstring& path, connectionKind kind) {
   const bool creating = kind == connectionKind::creating;
   const std::wstring name = path.substr(0, path.find(L'\0'));
-  if (name.empty()) return nullptr;
   if (creating && name == memoryDatabase)
     return openUri("file::memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
-  const bool exists = platform::fileExists(name);
-  if (exists ? platform::folderExists(name) || platform::isPipeOrDevice(name) : !creating)
-    return nullptr;
-  if (kind == connectionKind::reading) return openForReading(name);
+  if (!canBeDatabase(name, creating)) return nullptr;
   return openUri(uriOf(name, ""), SQLITE_OPEN_READWRITE | (creating ? SQLITE_OPEN_CREATE : 0),
                  nullptr);
+}
+
+bool readingConnection::open(const std::wstring& path) {
+  close();
+  const std::wstring name = path.substr(0, path.find(L'\0'));
+  if (!canBeDatabase(name, false)) return false;
+  connection_ = openUri(uriOf(name, ""), SQLITE_OPEN_READONLY, nullptr);
+  if (!connection_) return false;
+  databaseFile file(connection_.get());
+  const readingMode mode = modeFor(file);
+  hasOwnIndex_ = mode == readingMode::withOwnIndex;
+  if (mode == readingMode::unchanging) {
+    guard_ = std::exchange(connection_,
+                           openUri(uriOf(name, "?immutable=1"), SQLITE_OPEN_READONLY, nullptr));
+  } else if (hasOwnIndex_) {
+    guard_ = std::exchange(connection_,
+                           openUri(uriOf(name, ""), SQLITE_OPEN_READONLY, systemWithoutLocks));
+  }
+  if (mode == readingMode::refused || !connection_) {
+    close();
+    return false;
+  }
+  // The last to close a log would bring it into the database.
+  sqlite3_db_config(get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  if (hasOwnIndex_) sqlite3_exec(get(), "PRAGMA locking_mode=EXCLUSIVE", nullptr, nullptr, nullptr);
+  return true;
+}
+
+void readingConnection::close() {
+  connection_.reset();
+  guard_.reset();
+}
+
+bool readingConnection::isDisturbed() const {
+  if (!guard_) return false;
+  const databaseFile file(guard_.get());
+  return hasOwnIndex_ ? file.hasLogAndIndex() : file.isWriteAhead() && file.hasLogOfAnySize();
 }
 
 std::string utf8Of(std::wstring_view text) {

@@ -14,6 +14,9 @@
 //     shorter than it says        not at all                  the engine would make up the end of a page
 //     nothing                     read-only                   the ordinary case
 //
+// What is read as unchanging or with an index of its own is watched: a writer that comes meanwhile makes the
+// query fail, and finds the reader's lock of an ordinary query.
+//
 // That can change from one query to the next, so a reading connection is made for one query.
 // One object, one thread at a time.
 #ifndef VOK_SUITE_IO_SQLITECONNECTION_H
@@ -40,11 +43,29 @@ std::optional<std::wstring> databaseOfConnectionString(std::wstring_view text);
 enum class connectionKind {
   creating,  ///< read-write, created when missing
   writing,   ///< read-write, only what exists
-  reading,   ///< without a trace; only what exists
 };
 
 /// Opens a database. @return null when it cannot be opened
 sqliteConnection openConnection(const std::wstring& path, connectionKind kind);
+
+/// A connection that reads without a trace, only what exists.
+class readingConnection {
+ public:
+  /// @return false when it cannot be opened, or nothing sound can be read
+  bool open(const std::wstring& path);
+  void close();
+  sqlite3* get() const { return connection_.get(); }
+
+  /// True when somebody has begun to write without having to heed this reader, so that what has been read may
+  /// be of two states.
+  bool isDisturbed() const;
+
+ private:
+  /// Keeps a reader's lock, with which the log of a writer stays where it is.
+  sqliteConnection guard_;
+  sqliteConnection connection_;
+  bool hasOwnIndex_ = false;
+};
 
 /// Wide SQL or another text for the engine.
 std::string utf8Of(std::wstring_view text);

@@ -291,6 +291,30 @@ TEST(sqliteOpening, aWriterWithAnEmptyLogDisturbsNoReader) {
   EXPECT_EQ(answer(reading, L"SELECT sum(a) FROM t"), 5000);
 }
 
+// Nothing holds the state of a database without its log or its index, so a writer who comes is noticed.
+TEST(sqliteOpening, aWriterWhoComesWhileReadingIsNoticed) {
+  for (const bool hasLog : {false, true}) {
+    const temporaryFolder folder;
+    const std::wstring path = folder.file(hasLog ? L"b.sqlite" : L"a.sqlite");
+    {
+      sqliteDatabase first(folder.file(L"a.sqlite"));
+      first.run("PRAGMA journal_mode=WAL; CREATE TABLE t(a); INSERT INTO t VALUES(1)");
+      if (hasLog) copyFile(folder.file(L"a.sqlite"), path);
+      if (hasLog) copyFile(folder.file(L"a.sqlite-wal"), path + L"-wal");
+    }
+    const ownedDatabase reading = open(connectionString(path));
+    Ivo_sqlite_stmt* const rows = vo_sqlite_db_query_stmt(reading.get(), L"SELECT a FROM t", 1);
+    EXPECT_TRUE(vo_sqlite_stmt_next_row(rows));
+    EXPECT_FALSE(vo_sqlite_stmt_has_failed(rows));
+    sqliteDatabase(path).run("UPDATE t SET a = 2; PRAGMA wal_checkpoint(TRUNCATE)");
+    EXPECT_TRUE(vo_sqlite_stmt_has_failed(rows)) << "the writer is gone, but not unnoticed";
+    vo_sqlite_stmt_destroy(rows);
+    EXPECT_EQ(answer(reading, L"SELECT a FROM t"), 2);
+    sqliteDatabase(path).run("UPDATE t SET a = 3");
+    EXPECT_FALSE(platform::fileExists(path + L"-wal")) << "nobody is in its way any more";
+  }
+}
+
 // It writes without an index on disk, so readers could not agree with it on anything.
 TEST(sqliteOpening, aLogWithoutIndexThatSomebodyHasForHimselfIsLocked) {
   const temporaryFolder folder;
