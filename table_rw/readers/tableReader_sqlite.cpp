@@ -76,6 +76,7 @@ bool tableReader_sqlite::readDemo(int n) {
 bool tableReader_sqlite::read() {
   fieldNames_.clear();
   rows_.clear();
+  namesAreWhole_ = true;
   if (!ok_ || !readFields()) return false;
   if (headersOnly_) return true;
   return !fieldNames_.empty() && readRows();
@@ -86,13 +87,17 @@ bool tableReader_sqlite::readFields() {
   if (!query) return false;
   while (query->next()) {
     fieldNames_.push_back(query->get_as_wstring(nameColumn));
+    namesAreWhole_ = namesAreWhole_ && isValidUtf8(query->get_as_utf8(nameColumn));
     const std::wstring type = query->get_as_wstring(typeColumn);
     fieldTypes_.push_back(type == L"INTEGER" || type == L"FLOAT" ? fldNumber : fldText);
   }
   return !query->has_failed();
 }
 
+// WHY not without whole names: the engine takes a quoted name that no column has for a text, which would come
+// as every row's value.
 bool tableReader_sqlite::readRows() {
+  if (!namesAreWhole_) return false;
   const ownedQuery query =
       makeQuery(*database_, L"SELECT " + columnList(fieldNames_) + L" FROM " + options_.table);
   if (!query) return false;

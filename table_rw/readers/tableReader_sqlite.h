@@ -50,6 +50,7 @@ class tableReader_sqlite : public tableReader {
 
   std::unique_ptr<odbc_database> database_;
   bool headersOnly_ = false;
+  bool namesAreWhole_ = true;  // no column's name is broken UTF-8
 };
 
 }  // namespace tableRW

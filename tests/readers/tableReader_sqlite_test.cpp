@@ -288,6 +288,33 @@ TEST_F(sqliteReader, valuesOfTenMegabytes) {
   EXPECT_EQ(reader.value(1, 1), L"NUL first");
 }
 
+// Its column cannot be named in wide text, and the engine would take the name for a text.
+TEST_F(sqliteReader, aColumnNamedInBrokenUtf8HasNoRows) {
+  sqliteDatabase(path_).run(
+      "CREATE TABLE broken(a, \"x\xFF\"); INSERT INTO broken VALUES(1, 2);"
+      "CREATE TABLE whole(\"x\xD0\x96\"); INSERT INTO whole VALUES(3)");
+  tableReader_sqlite reader(options(L"broken"));
+  EXPECT_FALSE(reader.read());
+  EXPECT_EQ(describe(reader), "fields a|x\xEF\xBF\xBD  ok");
+  EXPECT_TRUE(reader.readOnlyHeaders());
+  reader.setTable(L"whole");
+  EXPECT_TRUE(reader.readDemo(-1));
+  EXPECT_EQ(describe(reader), "fields x\xD0\x96  rows 3  ok");
+}
+
+// A derived reader's read is called by the two others.
+TEST_F(sqliteReader, readsGoThroughTheVirtualOperation) {
+  struct countingReader : tableReader_sqlite {
+    using tableReader_sqlite::tableReader_sqlite;
+    bool read() override { return ++reads == 2; }
+    int reads = 0;
+  };
+  countingReader reader(options(L"t"));
+  EXPECT_FALSE(reader.readOnlyHeaders());
+  EXPECT_TRUE(reader.readDemo(1));
+  EXPECT_EQ(reader.reads, 2);
+}
+
 // The value is what decoding the bytes and storing the wide text gives, whichever way it went in.
 TEST_F(sqliteReader, brokenTextIsStoredAsItsDecoding) {
   const std::vector<std::string> texts = {
