@@ -47,6 +47,11 @@ exitCode listTables(const commandLine& request, toolContext& context) {
   if (!reader) return opened;
   std::vector<std::wstring> tables;
   reader->tableList(tables);
+  // Only of a source that cannot be read are the fields of any table refused.
+  if (tables.empty() && reader->get_capabilities().offersTables && !reader->readOnlyHeaders()) {
+    explainFailure(*reader, request.reading, context);
+    return exitCode::cannotOpen;
+  }
   for (const std::wstring& table : tables) context.output.value(table);
   return exitCode::clean;
 }

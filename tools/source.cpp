@@ -103,14 +103,19 @@ bool readSource(tableRW::tableReader& reader, extent wanted, const readingArgume
   // A table that is not there has no fields, and reading them alone is no failure then.
   const bool offersTables = reader.get_capabilities().offersTables;
   if (isRead && (reader.fieldCount() > 0 || !offersTables)) return true;
-  if (explainUnreadable(reader.path(), context.messages)) return false;
+  explainFailure(reader, arguments, context);
+  return false;
+}
+
+void explainFailure(tableRW::tableReader& reader, const readingArguments& arguments,
+                    toolContext& context) {
+  if (explainUnreadable(reader.path(), context.messages)) return;
   const std::string table =
       arguments.table ? fmt::format(", table {}", inQuotes(*arguments.table)) : std::string();
   context.messages.error(fmt::format(
       "cannot read {}{}: its content is not what was expected; check the file and the options",
       arguments.file, table));
-  if (offersTables) hintAtTables(reader, arguments, context.messages);
-  return false;
+  if (reader.get_capabilities().offersTables) hintAtTables(reader, arguments, context.messages);
 }
 
 exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& arguments,

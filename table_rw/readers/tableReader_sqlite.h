@@ -14,7 +14,7 @@
 // ODD: field types are appended to those of the reads before; fields, rows and names are replaced. Hosts use
 // a reader once.
 // ODD: the table's name is quoted where the columns are asked for, but bare where the rows are. A name that
-// needs quotes has fields but no rows, and a host may write them itself: `"my table"`, `wells LIMIT 5`.
+// needs quotes has fields but no rows; with quotes of the host's own it has neither.
 #ifndef VOK_TABLE_RW_READERS_TABLEREADER_SQLITE_H
 #define VOK_TABLE_RW_READERS_TABLEREADER_SQLITE_H
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <limits>
 
@@ -259,6 +260,16 @@ TEST(makeObjectPath, aFileInTheWayStays) {
   STRATA_makeObjectPath(file, L"a\\b");
   EXPECT_EQ(testSupport::readFile(file), "x");
   EXPECT_FALSE(platform::fileExists(folder.file(L"a")));
+}
+
+// With one of them the name would be one of this machine's folders.
+TEST(makeObjectPath, twoSeparatorsAtTheBeginningAreKept) {
+  if (!testSupport::onWindows) GTEST_SKIP() << "only Windows tells them from one";
+  const temporaryFolder folder;
+  std::wstring path = L"\\\\?\\" + folder.file(L"a");
+  std::replace(path.begin(), path.end(), L'/', L'\\');
+  STRATA_makeObjectPath(path, L"b");
+  EXPECT_TRUE(platform::folderExists(folder.file(L"a/b")));
 }
 
 TEST(makeObjectPath, theCallersTextsStay) {

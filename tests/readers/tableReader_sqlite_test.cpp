@@ -141,7 +141,8 @@ TEST_F(sqliteReader, headersAlone) {
 }
 
 TEST_F(sqliteReader, aMissingTable) {
-  for (const wchar_t* const table : {L"missing", L"", L"t LIMIT 1", L"t; DROP TABLE t"}) {
+  for (const wchar_t* const table :
+       {L"missing", L"", L"t LIMIT 1", L"\"my table\"", L"t; DROP TABLE t"}) {
     tableReader_sqlite reader(options(table));
     EXPECT_FALSE(reader.read());
     EXPECT_EQ(describe(reader), "ok") << "the database itself is open";

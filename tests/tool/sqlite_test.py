@@ -146,8 +146,26 @@ class Generated(SqliteCase):
         run = self.tool("cat", "t.sqlite", code=3)
         self.assertEqual(run.out, b"")
         self.assertIn("cannot read t.sqlite", run.err)
-        self.assertEqual(self.tool("tables", "t.sqlite").out, b"")
+        run = self.tool("tables", "t.sqlite", code=3)
+        self.assertEqual(run.out, b"")
+        self.assertIn("cannot read t.sqlite", run.err)
         self.assertEqual(self.content(), {"t.sqlite": b"a;b\n1;2\n"})
+
+    def test_tables_of_a_database_without_any(self):
+        sqlite3.connect(self.path("t.sqlite")).executescript("PRAGMA user_version=1")
+        run = self.tool("tables", "t.sqlite")
+        self.assertEqual((run.out, run.err), (b"", ""))
+
+    def test_a_database_that_another_program_has_locked(self):
+        if Settings.is_windows():
+            self.skipTest("this program's locks are those of another system")
+        database = sqlite3.connect(self.path("t.sqlite"), isolation_level=None)
+        database.executescript("CREATE TABLE t(a); BEGIN EXCLUSIVE")
+        run = self.tool("tables", "t.sqlite", code=3)
+        database.close()
+        self.assertEqual(run.out, b"")
+        self.assertIn("cannot read t.sqlite", run.err)
+        self.assertEqual(self.tool("tables", "t.sqlite").out, b"t\n")
 
     def test_a_missing_file_is_not_created(self):
         run = self.tool("cat", "t.sqlite", "--table", "t", code=3)
