@@ -54,9 +54,9 @@ std::map<std::wstring, std::string> filesIn(const temporaryFolder& folder) {
   return files;
 }
 
-// While others have the file open.
+// WHY not the library's own files: on Windows they are not to be had beside a writer.
 void copyFile(const std::wstring& from, const std::wstring& to) {
-  std::filesystem::copy_file(std::filesystem::path(from), std::filesystem::path(to));
+  std::filesystem::copy_file(from, to);
 }
 
 struct stringRow {
@@ -280,7 +280,7 @@ TEST(sqliteOpening, aWriterWithAnEmptyLogDisturbsNoReader) {
       "INSERT INTO t SELECT 1, zeroblob(3000) FROM "
       "(WITH n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 50) SELECT i FROM n);"
       "PRAGMA wal_checkpoint(TRUNCATE)");
-  ASSERT_EQ(filesIn(folder).at(L"a.sqlite-wal"), "");
+  ASSERT_EQ(std::filesystem::file_size(path + L"-wal"), 0U);
   const ownedDatabase reading = open(connectionString(path));
   Ivo_sqlite_stmt* const rows = vo_sqlite_db_query_stmt(reading.get(), L"SELECT a FROM t", 1);
   int sum = vo_sqlite_stmt_next_row(rows) ? vo_sqlite_stmt_get_int(rows, 0) : 0;
