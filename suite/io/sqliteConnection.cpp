@@ -92,9 +92,10 @@ class databaseFile {
   bool isEmpty() const { return size_ == 0; }
   bool isWriteAhead() const { return header_.isWriteAhead(); }
   bool hasLog() const { return has(sqlite3_filename_wal(name_), SQLITE_ACCESS_EXISTS); }
-  bool hasLogOfAnySize() const { return has(sqlite3_filename_wal(name_), SQLITE_ACCESS_READWRITE); }
+  // The log may be empty: that of a writer who has just begun, or has brought it in.
   bool hasLogAndIndex() const {
-    return hasLogOfAnySize() && has((std::string(name_) + "-shm").c_str(), SQLITE_ACCESS_READWRITE);
+    return has((std::string(name_) + "-shm").c_str(), SQLITE_ACCESS_EXISTS) &&
+           (hasLog() || has(sqlite3_filename_wal(name_), SQLITE_ACCESS_READWRITE));
   }
 
   // The engine fills a last page that is cut with zeros, and would give values that nobody has stored. Whole
@@ -198,11 +199,11 @@ bool readingConnection::open(const std::wstring& path) {
   if (!connection_) return false;
   databaseFile file(connection_.get());
   const readingMode mode = modeFor(file);
-  hasOwnIndex_ = mode == readingMode::withOwnIndex;
+  const bool hasOwnIndex = mode == readingMode::withOwnIndex;
   if (mode == readingMode::unchanging) {
     guard_ = std::exchange(connection_,
                            openUri(uriOf(name, "?immutable=1"), SQLITE_OPEN_READONLY, nullptr));
-  } else if (hasOwnIndex_) {
+  } else if (hasOwnIndex) {
     guard_ = std::exchange(connection_,
                            openUri(uriOf(name, ""), SQLITE_OPEN_READONLY, systemWithoutLocks));
   }
@@ -212,7 +213,7 @@ bool readingConnection::open(const std::wstring& path) {
   }
   // The last to close a log would bring it into the database.
   sqlite3_db_config(get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
-  if (hasOwnIndex_) sqlite3_exec(get(), "PRAGMA locking_mode=EXCLUSIVE", nullptr, nullptr, nullptr);
+  if (hasOwnIndex) sqlite3_exec(get(), "PRAGMA locking_mode=EXCLUSIVE", nullptr, nullptr, nullptr);
   return true;
 }
 
@@ -224,7 +225,7 @@ void readingConnection::close() {
 bool readingConnection::isDisturbed() const {
   if (!guard_) return false;
   const databaseFile file(guard_.get());
-  return hasOwnIndex_ ? file.hasLogAndIndex() : file.isWriteAhead() && file.hasLogOfAnySize();
+  return !file.isEmpty() && file.hasLogAndIndex();
 }
 
 std::string utf8Of(std::wstring_view text) {

@@ -64,7 +64,6 @@ class readingConnection {
   /// Keeps a reader's lock, with which the log of a writer stays where it is.
   sqliteConnection guard_;
   sqliteConnection connection_;
-  bool hasOwnIndex_ = false;
 };
 
 /// Wide SQL or another text for the engine.

@@ -315,6 +315,21 @@ TEST(sqliteOpening, aWriterWhoComesWhileReadingIsNoticed) {
   }
 }
 
+TEST(sqliteOpening, anEmptyLogThatWasLeftIsNobodys) {
+  const temporaryFolder folder;
+  const std::wstring path = folder.file(L"a.sqlite");
+  sqliteDatabase(path).run("PRAGMA journal_mode=WAL; CREATE TABLE t(a); INSERT INTO t VALUES(1)");
+  folder.write(L"a.sqlite-wal", "");
+  const auto before = filesIn(folder);
+  const ownedDatabase reading = open(connectionString(path));
+  Ivo_sqlite_stmt* const rows = vo_sqlite_db_query_stmt(reading.get(), L"SELECT a FROM t", 1);
+  EXPECT_TRUE(vo_sqlite_stmt_next_row(rows));
+  EXPECT_FALSE(vo_sqlite_stmt_next_row(rows));
+  EXPECT_FALSE(vo_sqlite_stmt_has_failed(rows));
+  vo_sqlite_stmt_destroy(rows);
+  EXPECT_EQ(filesIn(folder), before);
+}
+
 // It writes without an index on disk, so readers could not agree with it on anything.
 TEST(sqliteOpening, aLogWithoutIndexThatSomebodyHasForHimselfIsLocked) {
   const temporaryFolder folder;
