@@ -13,8 +13,6 @@
 namespace suiteIo {
 namespace {
 
-using namespace std::string_view_literals;
-
 constexpr int busyMilliseconds = 5000;
 constexpr const wchar_t* memoryDatabase = L":memory:";
 
