@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "platform/files.h"
 
@@ -18,6 +19,9 @@ class byteStream {
 
   /// Reads up to `size` bytes, fewer only at the end of the stream. @return the number of bytes read
   virtual std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t size) = 0;
+
+  /// How long the stream is said to be; it may end before that. Nothing when nobody says.
+  virtual std::optional<std::uint64_t> statedSize() const { return std::nullopt; }
 };
 
 /// A whole file as a stream. The file must live as long.

@@ -28,6 +28,7 @@ class chainedStream final : public byteStream {
         base_(base),
         sectorSize_(sectorSize),
         sectors_(std::move(sectors)),
+        stated_(size),
         size_(std::min<std::uint64_t>(size, sectors_.size() * std::uint64_t{sectorSize})) {}
 
   std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t size) override {
@@ -53,11 +54,14 @@ class chainedStream final : public byteStream {
     return done;
   }
 
+  std::optional<std::uint64_t> statedSize() const override { return stated_; }
+
  private:
   byteStream* source_;
   std::uint64_t base_;
   std::size_t sectorSize_;
   std::vector<std::uint32_t> sectors_;
+  std::uint64_t stated_;
   std::uint64_t size_;
 };
 
@@ -70,6 +74,7 @@ class fileChain final : public byteStream {
   std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t size) override {
     return chain_.readAt(offset, buffer, size);
   }
+  std::optional<std::uint64_t> statedSize() const override { return chain_.statedSize(); }
 
  private:
   fileStream source_;

@@ -21,7 +21,6 @@ void recordReader::seek(std::uint64_t place) {
   filled_ = at_ = dataAt_ = 0;
   id_ = 0;
   size_ = 0;
-  isCut_ = false;
 }
 
 // Brings bytes from `at_` on into the window; the data of the current record stays in it.
@@ -39,21 +38,17 @@ bool recordReader::have(std::size_t count) {
 
 bool recordReader::next() {
   dataAt_ = at_;
-  if (!have(headerSize)) {
-    isCut_ = filled_ != at_;
-    return false;
-  }
+  if (!have(headerSize)) return false;
   id_ = read16(&window_[at_]);
   size_ = read16(&window_[at_ + 2]);
   if (id_ == 0 && size_ == 0) return false;  // padding
-  if (!have(headerSize + size_)) {
-    isCut_ = true;
-    return false;
-  }
+  if (!have(headerSize + size_)) return false;
   dataAt_ = at_ + headerSize;
   at_ = dataAt_ + size_;
   return true;
 }
+
+bool recordReader::isWhole() const { return stream_->statedSize() == windowPlace_ + at_; }
 
 bool recordReader::nextIs(std::uint16_t id) { return have(headerSize) && read16(&window_[at_]) == id; }
 

@@ -60,8 +60,9 @@ class recordReader {
   /// The data of this record; valid until the next call of anything else here.
   const unsigned char* data() const { return &window_[dataAt_]; }
 
-  /// Whether the stream was cut within a record.
-  bool isCut() const { return isCut_; }
+  /// Whether the stream, after its last record, is as long as it is said to be: some writers leave out the
+  /// record that ends a sheet, and what was cut off must not look like that.
+  bool isWhole() const;
 
  private:
   bool have(std::size_t count);
@@ -74,7 +75,6 @@ class recordReader {
   std::uint16_t id_ = 0;
   std::size_t size_ = 0;
   std::size_t dataAt_ = 0;
-  bool isCut_ = false;
 };
 
 /// Reads across the borders between a record and the CONTINUE records behind it.

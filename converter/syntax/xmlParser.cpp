@@ -2,7 +2,6 @@
 
 #include <expat.h>
 
-#include <cstring>
 #include <exception>
 #include <memory>
 #include <new>
@@ -10,7 +9,7 @@
 namespace converter {
 namespace {
 
-constexpr int feedSize = 256 * 1024;
+constexpr int feedSize = 128 * 1024;
 constexpr unsigned deepestNesting = 256;
 constexpr std::size_t mostBytesWithoutEvent = std::size_t{16} << 20;
 
@@ -52,7 +51,7 @@ void XMLCALL startElement(void* user, const XML_Char* name, const XML_Char** att
   }
   if (state.skippedAt != 0) return;
   const char* const local = localName(name);
-  if (std::strcmp(local, "Choice") == 0) {
+  if (isText(local, "Choice")) {
     state.skippedAt = state.depth;
     return;
   }
@@ -98,13 +97,6 @@ std::string reasonOf(const parsing& state) {
 }
 
 }  // namespace
-
-const char* localName(const char* name) {
-  const char* local = name;
-  for (; *name != '\0'; ++name)
-    if (*name == ':') local = name + 1;
-  return local;
-}
 
 bool parseXml(const zipArchive& archive, const zipMember& member, xmlEvents& events,
               std::string& problem) {

@@ -10,6 +10,7 @@
 #ifndef VOK_CONVERTER_SYNTAX_XMLPARSER_H
 #define VOK_CONVERTER_SYNTAX_XMLPARSER_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -18,7 +19,21 @@
 namespace converter {
 
 /// The part of an XML name behind its prefix.
-const char* localName(const char* name);
+inline const char* localName(const char* name) {
+  const char* local = name;
+  for (; *name != '\0'; ++name)
+    if (*name == ':') local = name + 1;
+  return local;
+}
+
+/// Whether a text that ends at its NUL is this one. WHY not a comparison of string views: names have one or
+/// two letters, there are twelve million of them in a sheet, and nobody needs their lengths.
+template <std::size_t Size>
+constexpr bool isText(const char* text, const char (&expected)[Size]) {
+  for (std::size_t i = 0; i < Size; ++i)
+    if (text[i] != expected[i]) return false;
+  return true;
+}
 
 /// The attributes of one element; valid during the event only.
 class xmlAttributes {
@@ -32,9 +47,10 @@ class xmlAttributes {
   }
 
   /// The value of the attribute with this local name; null when there is none.
-  const char* find(std::string_view name) const {
+  template <std::size_t Size>
+  const char* find(const char (&name)[Size]) const {
     for (const char** pair = pairs_; *pair != nullptr; pair += 2)
-      if (localName(pair[0]) == name) return pair[1];
+      if (isText(localName(pair[0]), name)) return pair[1];
     return nullptr;
   }
 

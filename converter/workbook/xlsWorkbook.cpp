@@ -201,8 +201,8 @@ bool xlsWorkbook::readSheet(const sheetEntry& sheet, sheetReceiver& receiver, st
     if (count % recordsBetweenQuestions == 0) problem = receiver.stopReason();
     if (!problem.empty()) return false;
   }
-  problem = cutProblem;
-  return false;
+  problem = depth == 1 && records_->isWhole() ? receiver.stopReason() : std::string(cutProblem);
+  return problem.empty();
 }
 
 // The cells by their records. @return false with a reason in the state when the sheet is damaged

@@ -11,15 +11,15 @@ class relationshipEvents final : public xmlEvents {
       : folder_(folder), relationships_(&relationships) {}
 
   void startElement(const char* name, const xmlAttributes& attributes) override {
-    if (std::string_view(name) != "Relationship") return;
+    if (!isText(name, "Relationship")) return;
     relationship found;
     std::string_view target;
     bool isExternal = false;
-    attributes.forEach([&](std::string_view attribute, std::string_view value) {
-      if (attribute == "Id") found.id = value;
-      if (attribute == "Type") found.type = value.substr(value.rfind('/') + 1);
-      if (attribute == "Target") target = value;
-      if (attribute == "TargetMode") isExternal = value == "External";
+    attributes.forEach([&](const char* attribute, std::string_view value) {
+      if (isText(attribute, "Id")) found.id = value;
+      if (isText(attribute, "Type")) found.type = value.substr(value.rfind('/') + 1);
+      if (isText(attribute, "Target")) target = value;
+      if (isText(attribute, "TargetMode")) isExternal = value == "External";
     });
     if (!isExternal) found.target = resolveTarget(folder_, target);
     relationships_->push_back(std::move(found));

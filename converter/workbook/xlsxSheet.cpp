@@ -50,13 +50,13 @@ bool readReference(std::string_view reference, std::uint32_t& row, std::uint32_t
   return true;
 }
 
-xlsxSheetEvents::cellKind xlsxSheetEvents::kindOf(std::string_view type) {
-  if (type == "s") return cellKind::shared;
-  if (type == "str") return cellKind::text;
-  if (type == "inlineStr") return cellKind::inlineText;
-  if (type == "b") return cellKind::boolean;
-  if (type == "e") return cellKind::error;
-  if (type == "d") return cellKind::date;
+xlsxSheetEvents::cellKind xlsxSheetEvents::kindOf(const char* type) {
+  if (isText(type, "s")) return cellKind::shared;
+  if (isText(type, "str")) return cellKind::text;
+  if (isText(type, "inlineStr")) return cellKind::inlineText;
+  if (isText(type, "b")) return cellKind::boolean;
+  if (isText(type, "e")) return cellKind::error;
+  if (isText(type, "d")) return cellKind::date;
   return cellKind::number;
 }
 
@@ -69,30 +69,28 @@ std::string xlsxSheetEvents::stopReason() {
 }
 
 void xlsxSheetEvents::startElement(const char* name, const xmlAttributes& attributes) {
-  const std::string_view element(name);
-  if (element == "c") {
+  if (isText(name, "c")) {
     startCell(attributes);
-  } else if (element == "v") {
+  } else if (isText(name, "v")) {
     isInValue_ = isInCell_;
-  } else if (element == "row") {
+  } else if (isText(name, "row")) {
     startRow(attributes);
-  } else if (element == "mergeCell") {
+  } else if (isText(name, "mergeCell")) {
     addMerge(attributes);
   } else if (isInCell_) {
-    if (element == "is") isInline_ = hasInline_ = true;
-    if (isInline_) inline_.startElement(element);
+    if (isText(name, "is")) isInline_ = hasInline_ = true;
+    if (isInline_) inline_.startElement(name);
   }
 }
 
 void xlsxSheetEvents::endElement(const char* name) {
-  const std::string_view element(name);
-  if (element == "v") {
+  if (isText(name, "v")) {
     isInValue_ = false;
-  } else if (element == "c") {
+  } else if (isText(name, "c")) {
     endCell();
   } else if (isInline_) {
-    inline_.endElement(element);
-    if (element == "is") isInline_ = false;
+    inline_.endElement(name);
+    if (isText(name, "is")) isInline_ = false;
   }
 }
 
@@ -125,14 +123,13 @@ void xlsxSheetEvents::startCell(const xmlAttributes& attributes) {
   style_ = 0;
   value_.clear();
   column_ = nextColumn_;
-  attributes.forEach([this](std::string_view attribute, std::string_view text) {
-    if (attribute == "r") {
-      if (!readReference(text, row_, column_))
-        fail("the sheet is damaged: it has a cell " + std::string(text));
-    } else if (attribute == "t") {
+  attributes.forEach([this](const char* attribute, const char* text) {
+    if (isText(attribute, "r")) {
+      if (!readReference(text, row_, column_)) fail(std::string("the sheet is damaged: it has a cell ") + text);
+    } else if (isText(attribute, "t")) {
       kind_ = kindOf(text);
-    } else if (attribute == "s") {
-      if (!readWhole(text, style_)) style_ = 0;
+    } else if (isText(attribute, "s")) {
+      if (!readWhole(std::string_view(text), style_)) style_ = 0;
     }
   });
   if (column_ >= mostColumns) fail("the sheet is damaged: it has too many columns");

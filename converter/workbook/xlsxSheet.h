@@ -27,7 +27,7 @@ class xlsxSheetEvents final : public xmlEvents {
  private:
   enum class cellKind : std::uint8_t { number, shared, text, inlineText, boolean, error, date };
 
-  static cellKind kindOf(std::string_view type);
+  static cellKind kindOf(const char* type);
   void startRow(const xmlAttributes& attributes);
   void startCell(const xmlAttributes& attributes);
   void endCell();

@@ -56,14 +56,14 @@ void richText::clear() {
   isCollecting_ = false;
 }
 
-void richText::startElement(std::string_view name) {
-  if (name == "rPh") ++phoneticDepth_;
-  if (name == "t") isCollecting_ = phoneticDepth_ == 0;
+void richText::startElement(const char* name) {
+  if (isText(name, "rPh")) ++phoneticDepth_;
+  if (isText(name, "t")) isCollecting_ = phoneticDepth_ == 0;
 }
 
-void richText::endElement(std::string_view name) {
-  if (name == "rPh") --phoneticDepth_;
-  if (name == "t") isCollecting_ = false;
+void richText::endElement(const char* name) {
+  if (isText(name, "rPh")) --phoneticDepth_;
+  if (isText(name, "t")) isCollecting_ = false;
 }
 
 void richText::appendTo(std::string& line, const lineText& replacements) {

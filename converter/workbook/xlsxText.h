@@ -18,8 +18,8 @@ void appendUnescaped(std::string& text, std::string_view escaped);
 class richText {
  public:
   void clear();
-  void startElement(std::string_view name);
-  void endElement(std::string_view name);
+  void startElement(const char* name);
+  void endElement(const char* name);
   void text(std::string_view piece) {
     if (isCollecting_) collected_ += piece;
   }

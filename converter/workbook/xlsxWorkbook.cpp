@@ -31,16 +31,15 @@ class workbookEvents final : public xmlEvents {
   dateSystem dates = dateSystem::from1900;
 
   void startElement(const char* name, const xmlAttributes& attributes) override {
-    const std::string_view element(name);
-    if (element == "workbookPr") {
+    if (isText(name, "workbookPr")) {
       if (const char* const value = attributes.find("date1904"); value != nullptr && isTrue(value))
         dates = dateSystem::from1904;
-    } else if (element == "sheet") {
+    } else if (isText(name, "sheet")) {
       entry found{"", "", true};
-      attributes.forEach([&](std::string_view attribute, std::string_view value) {
-        if (attribute == "name") appendUnescaped(found.name, value);
-        if (attribute == "id") found.relationshipId = value;
-        if (attribute == "state") found.isVisible = value == "visible";
+      attributes.forEach([&](const char* attribute, std::string_view value) {
+        if (isText(attribute, "name")) appendUnescaped(found.name, value);
+        if (isText(attribute, "id")) found.relationshipId = value;
+        if (isText(attribute, "state")) found.isVisible = value == "visible";
       });
       entries.push_back(std::move(found));
     }
@@ -54,21 +53,20 @@ class styleEvents final : public xmlEvents {
   explicit styleEvents(numberFormats& formats) : formats_(&formats) {}
 
   void startElement(const char* name, const xmlAttributes& attributes) override {
-    const std::string_view element(name);
-    if (element == "numFmt" && !isInDifferences_) {
+    if (isText(name, "numFmt") && !isInDifferences_) {
       if (const char* const code = attributes.find("formatCode"))
         formats_->define(numberOr0(attributes.find("numFmtId")), code);
-    } else if (element == "cellXfs") {
+    } else if (isText(name, "cellXfs")) {
       isInCellStyles_ = true;
-    } else if (element == "dxfs") {
+    } else if (isText(name, "dxfs")) {
       isInDifferences_ = true;
-    } else if (element == "xf" && isInCellStyles_) {
+    } else if (isText(name, "xf") && isInCellStyles_) {
       formats_->addStyle(numberOr0(attributes.find("numFmtId")));
     }
   }
   void endElement(const char* name) override {
-    if (std::string_view(name) == "cellXfs") isInCellStyles_ = false;
-    if (std::string_view(name) == "dxfs") isInDifferences_ = false;
+    if (isText(name, "cellXfs")) isInCellStyles_ = false;
+    if (isText(name, "dxfs")) isInDifferences_ = false;
   }
   void text(std::string_view) override {}
 
@@ -86,7 +84,7 @@ class sharedStringEvents final : public xmlEvents {
   void startElement(const char* name, const xmlAttributes&) override { text_.startElement(name); }
   void endElement(const char* name) override {
     text_.endElement(name);
-    if (std::string_view(name) != "si") return;
+    if (!isText(name, "si")) return;
     line_.clear();
     text_.appendTo(line_, *replacements_);
     text_.clear();
