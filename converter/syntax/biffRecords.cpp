@@ -41,7 +41,6 @@ bool recordReader::next() {
   if (!have(headerSize)) return false;
   id_ = read16(&window_[at_]);
   size_ = read16(&window_[at_ + 2]);
-  if (id_ == 0 && size_ == 0) return false;  // padding
   if (!have(headerSize + size_)) return false;
   dataAt_ = at_ + headerSize;
   at_ = dataAt_ + size_;

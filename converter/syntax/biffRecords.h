@@ -2,7 +2,8 @@
 // in CONTINUE records.
 //
 // Read are BIFF5 and BIFF8 alike: what a record means is for those who ask. A record that leads out of the
-// stream ends it, as does the padding with zeros that some writers leave behind the last one.
+// stream ends it. The zeros that some writers leave between records and behind the last one come as records
+// with the number 0, which nobody asks for.
 #ifndef VOK_CONVERTER_SYNTAX_BIFFRECORDS_H
 #define VOK_CONVERTER_SYNTAX_BIFFRECORDS_H
 

@@ -5,6 +5,7 @@
 #include "table_rw/core/converterProgram.h"
 #include "table_rw/readers/tableReader_csv.h"
 #include "table_rw/readers/tableReader_dummy.h"
+#include "table_rw/readers/tableReader_xlsOLE.h"
 
 namespace tableRW {
 namespace {
@@ -18,7 +19,7 @@ tableReader* make(tableReaderOptions options) {
 // that a source of such a format is never mistaken for delimited text.
 constexpr readerVariant variants[] = {
     {fileTypeCsv,           {L"csv"},                            nullptr,                nullptr,     make<tableReader_csv>},
-    {fileTypeXlsConverter,  {L"xls", L"xlsx"},                   converterProgramExists, nullptr,     makeDummyReader      },
+    {fileTypeXlsConverter,  {L"xls", L"xlsx"},                   converterProgramExists, nullptr,     make<tableReader_xlsOLE>},
     {fileTypeXlsOdbc,       {L"xls", L"xlsx", L"mdb", L"accdb"}, nullptr,                nullptr,     makeDummyReader      },
     {fileTypeAccessOdbc,    {},                                  nullptr,                nullptr,     makeDummyReader      },
     {fileTypeDbf,           {L"dbf"},                            nullptr,                nullptr,     makeDummyReader      },
