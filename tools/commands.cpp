@@ -47,6 +47,10 @@ exitCode listTables(const commandLine& request, toolContext& context) {
   if (!reader) return opened;
   std::vector<std::wstring> tables;
   reader->tableList(tables);
+  if (tables.empty() && !reader->isOK()) {
+    explainFailedReading(*reader, request.reading, context);
+    return exitCode::cannotOpen;
+  }
   for (const std::wstring& table : tables) context.output.value(table);
   return exitCode::clean;
 }

@@ -61,6 +61,7 @@ exitCode openSource(const readingArguments& arguments, toolContext& context,
     context.messages.error(*reason);
     return exitCode::cannotOpen;
   }
+  if (options->file_type == tableRW::fileTypeAuto) options->file_type = typeForExtension(options->path);
   // The automatic choice looks into a file of an unknown kind, and would take a pipe's begin away.
   const bool looksInside =
       options->file_type == tableRW::fileTypeAuto && !isChosenByExtension(options->path);
@@ -82,14 +83,18 @@ bool readSource(tableRW::tableReader& reader, extent wanted, const readingArgume
     const progressLine progress(context.messages, fmt::format("reading {}", arguments.file));
     isRead = readExtent(reader, wanted);
   }
-  if (isRead) return true;
-  if (explainUnreadable(reader.path(), context.messages)) return false;
+  if (!isRead) explainFailedReading(reader, arguments, context);
+  return isRead;
+}
+
+void explainFailedReading(const tableRW::tableReader& reader, const readingArguments& arguments,
+                          toolContext& context) {
+  if (explainUnreadable(reader.path(), context.messages)) return;
   const std::string table =
       arguments.table ? fmt::format(", table {}", inQuotes(*arguments.table)) : std::string();
   context.messages.error(fmt::format(
       "cannot read {}{}: its content is not what was expected; check the file and the options",
       arguments.file, table));
-  return false;
 }
 
 exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& arguments,

@@ -54,6 +54,10 @@ struct extent {
 bool readSource(tableRW::tableReader& reader, extent wanted, const readingArguments& arguments,
                 toolContext& context);
 
+/// Says that a source cannot be read, and why, as far as that is known.
+void explainFailedReading(const tableRW::tableReader& reader, const readingArguments& arguments,
+                          toolContext& context);
+
 /// Hands out what was written, then says what is odd about the source (see diagnosis.h).
 /// @return rejected when lines were rejected, else clean
 exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& arguments,

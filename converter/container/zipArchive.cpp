@@ -31,14 +31,18 @@ constexpr unsigned flagEncrypted = 1;
 constexpr std::uint64_t largestDirectory = std::uint64_t{64} << 20;
 constexpr std::size_t inputSize = std::size_t{128} * 1024;
 
-std::string comparedName(std::string_view name) {
-  std::string compared(name);
-  for (char& c : compared) {
+std::string plainName(std::string_view name) {
+  std::string plain(name);
+  for (char& c : plain)
     if (c == '\\') c = '/';
+  plain.erase(0, plain.find_first_not_of('/'));
+  return plain;
+}
+
+std::string lowerCase(std::string name) {
+  for (char& c : name)
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  compared.erase(0, compared.find_first_not_of('/'));
-  return compared;
+  return name;
 }
 
 // FORMAT: a saturated 32-bit number stands for the next 64-bit one of the extra field with the id 1.
@@ -68,6 +72,7 @@ void takeZip64(const unsigned char* extra, std::size_t size, zipMember& member) 
 bool zipArchive::open(platform::binaryFile& file, std::string& problem) {
   file_ = &file;
   members_.clear();
+  lowerCaseMembers_.clear();
   directoryPlace place;
   if (findDirectory(place) && readDirectory(place)) return true;
   problem = "the ZIP archive is damaged: its directory is missing or broken";
@@ -118,15 +123,19 @@ bool zipArchive::readDirectory(const directoryPlace& place) {
     member.size = read32(entry + 24);
     member.headerOffset = read32(entry + 42);
     takeZip64(entry + entrySize + nameSize, extraSize, member);
-    members_[comparedName({reinterpret_cast<const char*>(entry) + entrySize, nameSize})] = member;
+    const std::string name = plainName({reinterpret_cast<const char*>(entry) + entrySize, nameSize});
+    members_[name] = member;
+    lowerCaseMembers_[lowerCase(name)] = member;
     at += whole;
   }
   return true;
 }
 
 const zipMember* zipArchive::find(std::string_view name) const {
-  const auto found = members_.find(comparedName(name));
-  return found == members_.end() ? nullptr : &found->second;
+  const std::string plain = plainName(name);
+  if (const auto found = members_.find(plain); found != members_.end()) return &found->second;
+  const auto found = lowerCaseMembers_.find(lowerCase(plain));
+  return found == lowerCaseMembers_.end() ? nullptr : &found->second;
 }
 
 zipMemberReader::zipMemberReader() = default;

@@ -1,8 +1,8 @@
 // ZIP archives: the members that the central directory lists, each read as a stream.
 //
-// Names are compared without regard to ASCII letter case, with `/` for `\` and without a leading `/`, as the
-// programs that write workbooks differ in all three; of several members of one name the last counts. A name
-// is only ever compared, never used as a path of the disk, so `..` in it does nothing.
+// Names are compared with `/` for `\`, without a leading `/`, and, where none is equal, without regard to
+// ASCII letter case, as the programs that write workbooks differ in all three; of several members of one name
+// the last counts. A name is only ever compared, never a path of the disk, so `..` in it does nothing.
 //
 // Read are members that are stored or deflated, ZIP64 included. Refused, with a message: an archive without
 // its directory, encrypted members, other methods of compression, a member whose bytes, size or checksum are
@@ -58,6 +58,7 @@ class zipArchive {
 
   platform::binaryFile* file_ = nullptr;
   std::unordered_map<std::string, zipMember> members_;
+  std::unordered_map<std::string, zipMember> lowerCaseMembers_;
 };
 
 /// The bytes of one member, inflated as they are read.

@@ -47,6 +47,7 @@ void appendDate(std::string& text, std::int64_t day) {
   constexpr std::int64_t day1899Dec30 = -25569;  // since 1970-01-01
   civilDate date = civilFromDays(day1899Dec30 + (day < falseLeapDay ? day + 1 : day));
   if (day == falseLeapDay) date = {1900, 2, 29};
+  if (day == 0) date = {1900, 1, 0};
   appendPadded(text, date.year, 4);
   text += '-';
   appendPadded(text, date.month, 2);
@@ -112,17 +113,15 @@ void appendFormatted(std::string& text, double number, numberKind kind, dateSyst
     ++day;
     milliseconds = 0;
   }
-  if (system == dateSystem::from1904) {
-    // No day of that system is the false one.
-    if (isDay) day += daysFrom1900To1904;
-  }
+  if (isDay && system == dateSystem::from1904) day += daysFrom1900To1904;
   if (isDay && static_cast<double>(day) >= daysBehindYear9999) {
     appendNumber(text, number);
     return;
   }
   if (kind == numberKind::elapsed) milliseconds += day * millisecondsOfDay;
-  if (isDay) appendDate(text, day);
-  if (kind == numberKind::dateTime) text += 'T';
+  const bool isTimeAlone = kind == numberKind::dateTime && day == 0;
+  if (isDay && !isTimeAlone) appendDate(text, day);
+  if (kind == numberKind::dateTime && !isTimeAlone) text += 'T';
   if (kind != numberKind::date) appendTime(text, milliseconds);
 }
 

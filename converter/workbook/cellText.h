@@ -21,6 +21,8 @@ void appendNumber(std::string& text, double number);
 /// plain number, which also stands for a date outside the years 1900 to 9999. Rounded to the millisecond,
 /// which is left out when it is zero.
 /// FORMAT: the 1900 system holds 1900 for a leap year: day 60 is 1900-02-29, as spreadsheet programs show it.
+/// Its day 0 is no day: a date is 1900-01-00 then, as they show it too, and of a date with a time the time is
+/// left.
 void appendFormatted(std::string& text, double number, numberKind kind, dateSystem system);
 
 /// The same for a number in decimal notation, as it stands in a file; text that is no number is appended as
