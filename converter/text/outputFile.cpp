@@ -1,5 +1,6 @@
 #include "converter/text/outputFile.h"
 
+#include <new>
 #include <utility>
 
 namespace converter {
@@ -9,7 +10,14 @@ outputFile::outputFile(std::wstring path) : path_(std::move(path)) {}
 outputFile::~outputFile() {
   if (!isOpen_) return;
   file_.close();
-  platform::removeFile(path_);
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    try {
+      platform::removeFile(path_);
+      return;
+    } catch (const std::bad_alloc&) {
+      std::string().swap(buffer_);  // what it gives back is enough for a path
+    }
+  }
 }
 
 void outputFile::flush() {
