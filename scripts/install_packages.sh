@@ -14,16 +14,16 @@
 set -u
 
 packages_of() {
-  local run="cmake g++ libcli11-dev libfmt-dev libsqlite3-dev ninja-build"
-  local native="$run binutils gcc googletest python3"
+  local run="cmake g++ libcli11-dev libexpat1-dev libfmt-dev libsqlite3-dev ninja-build zlib1g-dev"
+  local native="$run binutils gcc googletest python3 python3-openpyxl python3-xlrd"
   case $1 in
     run) echo "$run" ;;
     native) echo "$native" ;;
-    windows) echo "$native dpkg-dev g++-mingw-w64-x86-64-posix locales tcl wine wine64" ;;
+    windows) echo "$native dpkg-dev g++-mingw-w64-x86-64-posix libz-mingw-w64-dev locales tcl wine wine64" ;;
     lint) echo "$native clang-format clang-tidy" ;;
     fuzz) echo "$run clang" ;;
     bench) echo "$run python3" ;;
-    bench-peers) echo "$run python3 libcsv-dev libgdal-dev python3-pandas" ;;
+    bench-peers) echo "$run python3 libcsv-dev libgdal-dev python3-openpyxl python3-pandas xlsx2csv" ;;
     *) echo "install_packages.sh: unknown set '$1'" >&2; return 1 ;;
   esac
 }
