@@ -93,8 +93,9 @@ constexpr switchEntry switches[] = {
 };
 
 const switchEntry* findSwitch(const std::wstring& word) {
-  const auto* const found = std::find_if(std::begin(switches), std::end(switches),
-                                         [&](const switchEntry& each) { return word == each.name; });
+  const auto* const found =
+      std::find_if(std::begin(switches), std::end(switches),
+                   [&](const switchEntry& each) { return word == each.name; });
   return found == std::end(switches) ? nullptr : found;
 }
 
@@ -116,7 +117,8 @@ const char* const helpText =
     "  -tablelist          write the names of the sheets in one line, to NAME_tabList.csv\n"
     "  -help               this text\n"
     "\n"
-    "The file has the name of the source with the extension csv. Exit codes: 0 done; 1 the workbook cannot\n"
+    "The file has the name of the source with the extension csv. Exit codes: 0 done; 1 the "
+    "workbook cannot\n"
     "be converted, and there is no file; 2 wrong usage.\n";
 
 parsedArguments parseArguments(const std::vector<std::wstring>& arguments) {

@@ -36,7 +36,8 @@ std::string withoutQuotes(std::string name) {
 
 // By its name, or by what becomes of the name on the way: in the list of tables, or on a command line, which
 // cannot hold a quote.
-const sheetEntry* findSheet(const workbook& book, const std::string& name, const lineText& replacements) {
+const sheetEntry* findSheet(const workbook& book, const std::string& name,
+                            const lineText& replacements) {
   const auto& sheets = book.sheets();
   const auto find = [&](auto nameOf) {
     const auto found = std::find_if(sheets.begin(), sheets.end(),
@@ -44,9 +45,11 @@ const sheetEntry* findSheet(const workbook& book, const std::string& name, const
     return found == sheets.end() ? nullptr : &*found;
   };
   const sheetEntry* sheet = find([](const sheetEntry& each) { return each.name; });
-  if (sheet == nullptr) sheet = find([&](const sheetEntry& each) { return listedName(each, replacements); });
   if (sheet == nullptr)
-    sheet = find([&](const sheetEntry& each) { return withoutQuotes(listedName(each, replacements)); });
+    sheet = find([&](const sheetEntry& each) { return listedName(each, replacements); });
+  if (sheet == nullptr)
+    sheet =
+        find([&](const sheetEntry& each) { return withoutQuotes(listedName(each, replacements)); });
   return sheet;
 }
 
@@ -113,7 +116,8 @@ bool writeSheet(workbook& book, const conversionRequest& request, const std::wst
   return book.readSheet(*sheet, text, problem) && text.finish(problem);
 }
 
-bool convertInto(const conversionRequest& request, const std::wstring& target, std::string& problem) {
+bool convertInto(const conversionRequest& request, const std::wstring& target,
+                 std::string& problem) {
   platform::binaryFile file;
   if (!file.openForReading(request.source)) {
     problem = "it cannot be opened";

@@ -10,12 +10,13 @@ namespace converter {
 
 struct conversionRequest {
   std::wstring source;
-  std::wstring folder;           ///< of the text files; empty: the current one
-  bool listsTables = false;      ///< write the names of the sheets, not a sheet
-  bool copyMerged = false;       ///< merged cells hold their value in every cell they cover
+  std::wstring folder;       ///< of the text files; empty: the current one
+  bool listsTables = false;  ///< write the names of the sheets, not a sheet
+  bool copyMerged = false;   ///< merged cells hold their value in every cell they cover
   char delimiter = '$';
-  std::optional<std::wstring> table;         ///< the sheet; none: the first visible one
-  std::optional<std::int32_t> headerPosition;  ///< only the line of this row (from 0; below: the first)
+  std::optional<std::wstring> table;  ///< the sheet; none: the first visible one
+  std::optional<std::int32_t>
+      headerPosition;  ///< only the line of this row (from 0; below: the first)
 };
 
 /// Where the file of a request is written: the source's name with the extension `csv`, or its stem with

@@ -32,12 +32,14 @@ int say(standardStream stream, const std::string& text, int exitCode) {
 int run(const std::vector<std::wstring>& arguments) {
   const converter::parsedArguments parsed = converter::parseArguments(arguments);
   if (!parsed.problem.empty())
-    return say(standardStream::error, "vok_xls2csv: " + parsed.problem + "; -help tells more\n", exitUsage);
+    return say(standardStream::error, "vok_xls2csv: " + parsed.problem + "; -help tells more\n",
+               exitUsage);
   if (!parsed.request) return say(standardStream::output, converter::helpText, exitDone);
   std::string problem;
   if (converter::convert(*parsed.request, problem)) return exitDone;
   return say(standardStream::error,
-             "vok_xls2csv: " + converter::toUtf8(parsed.request->source) + ": " + problem + "\n", exitFailed);
+             "vok_xls2csv: " + converter::toUtf8(parsed.request->source) + ": " + problem + "\n",
+             exitFailed);
 }
 
 }  // namespace
@@ -46,7 +48,8 @@ int main(int count, char** values) {
   try {
     return run(platform::commandLineArguments(count, values));
   } catch (const std::bad_alloc&) {
-    platform::writeText(standardStream::error, L"vok_xls2csv: not enough memory for this workbook\n");
+    platform::writeText(standardStream::error,
+                        L"vok_xls2csv: not enough memory for this workbook\n");
     platform::flushText(standardStream::error);
     return exitFailed;
   }

@@ -46,7 +46,8 @@ class compoundFile {
     std::uint64_t size = 0;
   };
 
-  std::vector<std::uint32_t> chain(std::uint32_t first, const std::vector<std::uint32_t>& table) const;
+  std::vector<std::uint32_t> chain(std::uint32_t first,
+                                   const std::vector<std::uint32_t>& table) const;
   std::unique_ptr<byteStream> streamOfSectors(std::uint32_t first, std::uint64_t size);
   bool readTable(const unsigned char* header);
   void appendTableSector(std::uint32_t sector);

@@ -19,7 +19,9 @@ inline std::uint64_t read64(const unsigned char* bytes) {
   return read32(bytes) | static_cast<std::uint64_t>(read32(bytes + 4)) << 32;
 }
 
-inline double readDouble(const unsigned char* bytes) { return std::bit_cast<double>(read64(bytes)); }
+inline double readDouble(const unsigned char* bytes) {
+  return std::bit_cast<double>(read64(bytes));
+}
 
 }  // namespace converter
 

@@ -85,7 +85,8 @@ bool zipArchive::findDirectory(directoryPlace& place) {
       std::min<std::uint64_t>(fileSize, endSize + longestArchiveComment + end64LocatorSize));
   std::vector<unsigned char> tail(tailSize);
   const std::uint64_t tailOffset = fileSize - tailSize;
-  if (tailSize < endSize || file_->readAt(tailOffset, tail.data(), tailSize) != tailSize) return false;
+  if (tailSize < endSize || file_->readAt(tailOffset, tail.data(), tailSize) != tailSize)
+    return false;
   std::size_t end = tailSize - endSize;
   while (read32(&tail[end]) != endSignature)
     if (end-- == 0) return false;
@@ -123,7 +124,8 @@ bool zipArchive::readDirectory(const directoryPlace& place) {
     member.size = read32(entry + 24);
     member.headerOffset = read32(entry + 42);
     takeZip64(entry + entrySize + nameSize, extraSize, member);
-    const std::string name = plainName({reinterpret_cast<const char*>(entry) + entrySize, nameSize});
+    const std::string name =
+        plainName({reinterpret_cast<const char*>(entry) + entrySize, nameSize});
     members_[name] = member;
     lowerCaseMembers_[lowerCase(name)] = member;
     at += whole;
@@ -144,7 +146,8 @@ zipMemberReader::~zipMemberReader() {
   if (isInflating_) inflateEnd(inflater_.get());
 }
 
-bool zipMemberReader::open(const zipArchive& archive, const zipMember& member, std::string& problem) {
+bool zipMemberReader::open(const zipArchive& archive, const zipMember& member,
+                           std::string& problem) {
   file_ = &archive.file();
   member_ = member;
   if ((member.flags & flagEncrypted) != 0) {

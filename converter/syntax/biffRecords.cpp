@@ -49,7 +49,9 @@ bool recordReader::next() {
 
 bool recordReader::isWhole() const { return stream_->statedSize() == windowPlace_ + at_; }
 
-bool recordReader::nextIs(std::uint16_t id) { return have(headerSize) && read16(&window_[at_]) == id; }
+bool recordReader::nextIs(std::uint16_t id) {
+  return have(headerSize) && read16(&window_[at_]) == id;
+}
 
 bool continuedReader::advance() {
   if (!records_->nextIs(biff::continued) || !records_->next()) return false;

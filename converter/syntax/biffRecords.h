@@ -70,8 +70,8 @@ class recordReader {
 
   byteStream* stream_;
   std::vector<unsigned char> window_;
-  std::size_t filled_ = 0;        // bytes of the window
-  std::size_t at_ = 0;            // of the next record in the window
+  std::size_t filled_ = 0;         // bytes of the window
+  std::size_t at_ = 0;             // of the next record in the window
   std::uint64_t windowPlace_ = 0;  // of the window in the stream
   std::uint16_t id_ = 0;
   std::size_t size_ = 0;

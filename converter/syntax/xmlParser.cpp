@@ -76,8 +76,8 @@ void XMLCALL characters(void* user, const XML_Char* text, int length) {
   state.guarded([&] { state.events->text({text, static_cast<std::size_t>(length)}); });
 }
 
-void XMLCALL entityDeclaration(void* user, const XML_Char*, int, const XML_Char*, int, const XML_Char*,
-                               const XML_Char*, const XML_Char*, const XML_Char*) {
+void XMLCALL entityDeclaration(void* user, const XML_Char*, int, const XML_Char*, int,
+                               const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
   auto& state = *static_cast<parsing*>(user);
   state.refusal = "it declares entities";
   state.stop();

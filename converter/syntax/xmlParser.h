@@ -43,7 +43,8 @@ class xmlAttributes {
   /// Calls `receive(local name, value)` for each.
   template <class Receive>
   void forEach(Receive receive) const {
-    for (const char** pair = pairs_; *pair != nullptr; pair += 2) receive(localName(pair[0]), pair[1]);
+    for (const char** pair = pairs_; *pair != nullptr; pair += 2)
+      receive(localName(pair[0]), pair[1]);
   }
 
   /// The value of the attribute with this local name; null when there is none.

@@ -88,7 +88,9 @@ bool sheetText::isTooSparse(std::uint64_t rows, std::uint64_t columns) const {
 
 std::string sheetText::writingProblem() const { return "the text file could not be written"; }
 
-std::string sheetText::stopReason() { return lines_.hasFailed() ? writingProblem() : std::string(); }
+std::string sheetText::stopReason() {
+  return lines_.hasFailed() ? writingProblem() : std::string();
+}
 
 bool sheetText::finish(std::string& problem) {
   if (columns_ > 0) endLine();
@@ -106,7 +108,8 @@ bool sheetText::finish(std::string& problem) {
   if (!measureMerges()) return false;
   if (isTooSparse(rows_, width_)) {
     problem = "the sheet has " + std::to_string(rows_) + " rows and " + std::to_string(width_) +
-              " columns, but only " + std::to_string(cellCount_) + " cells with a value: it is no table";
+              " columns, but only " + std::to_string(cellCount_) +
+              " cells with a value: it is no table";
     return false;
   }
   return writeAnew(problem);
@@ -114,9 +117,10 @@ bool sheetText::finish(std::string& problem) {
 
 // A range whose first cell has a value makes the cells used that it covers.
 bool sheetText::measureMerges() {
-  const bool reachesOut = std::any_of(merges_.begin(), merges_.end(), [this](const cellRange& range) {
-    return range.lastColumn >= width_ || range.lastRow >= rows_;
-  });
+  const bool reachesOut =
+      std::any_of(merges_.begin(), merges_.end(), [this](const cellRange& range) {
+        return range.lastColumn >= width_ || range.lastRow >= rows_;
+      });
   if (!reachesOut) return true;
   lineSource lines;
   if (!lines.open(lines_.path())) return false;
@@ -189,14 +193,16 @@ void sheetText::applyMerges(std::uint32_t row) {
   for (; nextMerge_ < merges_.size() && merges_[nextMerge_].firstRow <= row; ++nextMerge_)
     if (merges_[nextMerge_].firstRow == row) startMerge(merges_[nextMerge_]);
   for (const auto& [firstColumn, merge] : active_)
-    for (std::uint32_t column = firstColumn; column <= merge.lastColumn && column < width_; ++column)
+    for (std::uint32_t column = firstColumn; column <= merge.lastColumn && column < width_;
+         ++column)
       cells_[column] = merge.text;
 }
 
 void sheetText::startMerge(const cellRange& range) {
   if (range.firstColumn >= width_) return;
   const auto behind = active_.upper_bound(range.lastColumn);
-  if (behind != active_.begin() && std::prev(behind)->second.lastColumn >= range.firstColumn) return;
+  if (behind != active_.begin() && std::prev(behind)->second.lastColumn >= range.firstColumn)
+    return;
   active_.emplace(range.firstColumn, activeMerge{range.lastColumn, range.lastRow,
                                                  std::string(cells_[range.firstColumn])});
 }

@@ -94,14 +94,16 @@ void appendNumber(std::string& text, double number) {
   const double size = std::fabs(number);
   const bool isFixed = number == 0 || (size >= fixedFrom && size < fixedBelow);
   char buffer[64];
-  const auto result = std::to_chars(buffer, buffer + sizeof buffer, number,
-                                    isFixed ? std::chars_format::fixed : std::chars_format::scientific);
+  const auto result =
+      std::to_chars(buffer, buffer + sizeof buffer, number,
+                    isFixed ? std::chars_format::fixed : std::chars_format::scientific);
   text.append(buffer, result.ptr);
 }
 
 void appendFormatted(std::string& text, double number, numberKind kind, dateSystem system) {
   const bool isDay = kind == numberKind::date || kind == numberKind::dateTime;
-  const double largest = kind == numberKind::elapsed || kind == numberKind::time ? 1e9 : daysBehindYear9999;
+  const double largest =
+      kind == numberKind::elapsed || kind == numberKind::time ? 1e9 : daysBehindYear9999;
   if (kind == numberKind::number || !(number >= 0) || number >= largest) {
     appendNumber(text, number);
     return;
@@ -125,7 +127,8 @@ void appendFormatted(std::string& text, double number, numberKind kind, dateSyst
   if (kind != numberKind::date) appendTime(text, milliseconds);
 }
 
-void appendFormatted(std::string& text, std::string_view number, numberKind kind, dateSystem system) {
+void appendFormatted(std::string& text, std::string_view number, numberKind kind,
+                     dateSystem system) {
   if (kind == numberKind::number && isShortest(number)) {
     text += number;
     return;
@@ -145,15 +148,24 @@ void appendFormatted(std::string& text, std::string_view number, numberKind kind
 
 std::string_view errorText(unsigned code) {
   switch (code) {
-    case 0x00: return "#NULL!";
-    case 0x07: return "#DIV/0!";
-    case 0x0F: return "#VALUE!";
-    case 0x17: return "#REF!";
-    case 0x1D: return "#NAME?";
-    case 0x24: return "#NUM!";
-    case 0x2A: return "#N/A";
-    case 0x2B: return "#GETTING_DATA";
-    default: return {};
+    case 0x00:
+      return "#NULL!";
+    case 0x07:
+      return "#DIV/0!";
+    case 0x0F:
+      return "#VALUE!";
+    case 0x17:
+      return "#REF!";
+    case 0x1D:
+      return "#NAME?";
+    case 0x24:
+      return "#NUM!";
+    case 0x2A:
+      return "#N/A";
+    case 0x2B:
+      return "#GETTING_DATA";
+    default:
+      return {};
   }
 }
 

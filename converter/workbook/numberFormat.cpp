@@ -23,7 +23,8 @@ std::string essenceOf(std::string_view code) {
       const std::size_t end = std::min(code.find(']', i), code.size());
       const std::string_view inside = code.substr(i + 1, end - i - 1);
       const bool isElapsed =
-          !inside.empty() && (lower(inside[0]) == 'h' || lower(inside[0]) == 'm' || lower(inside[0]) == 's') &&
+          !inside.empty() &&
+          (lower(inside[0]) == 'h' || lower(inside[0]) == 'm' || lower(inside[0]) == 's') &&
           std::all_of(inside.begin(), inside.end(),
                       [&](char each) { return lower(each) == lower(inside[0]); });
       if (isElapsed) essence += '{';
@@ -55,7 +56,8 @@ bool showsDigits(const std::string& essence) {
     while (before > 0 && (isDigitPlaceholder(essence[before - 1]) || essence[before - 1] == '.' ||
                           essence[before - 1] == ','))
       --before;
-    if (before == i || before == 0 || (essence[before - 1] != 's' && essence[before - 1] != '{')) return true;
+    if (before == i || before == 0 || (essence[before - 1] != 's' && essence[before - 1] != '{'))
+      return true;
   }
   return false;
 }
@@ -69,11 +71,19 @@ struct builtInRange {
 // FORMAT: 27 to 36 and 50 to 58 are dates in East Asian editions; some of them are times in one language and
 // dates in another, and are taken for both, so that nothing is lost.
 constexpr builtInRange builtInRanges[] = {
-    {14, 17, numberKind::date},     {18, 21, numberKind::time}, {22, 22, numberKind::dateTime},
-    {27, 31, numberKind::date},     {32, 33, numberKind::time}, {34, 35, numberKind::dateTime},
-    {36, 36, numberKind::date},     {45, 45, numberKind::time}, {46, 46, numberKind::elapsed},
-    {47, 47, numberKind::time},     {50, 54, numberKind::date}, {55, 56, numberKind::dateTime},
-    {57, 58, numberKind::date},
+    {14, 17, numberKind::date    },
+    {18, 21, numberKind::time    },
+    {22, 22, numberKind::dateTime},
+    {27, 31, numberKind::date    },
+    {32, 33, numberKind::time    },
+    {34, 35, numberKind::dateTime},
+    {36, 36, numberKind::date    },
+    {45, 45, numberKind::time    },
+    {46, 46, numberKind::elapsed },
+    {47, 47, numberKind::time    },
+    {50, 54, numberKind::date    },
+    {55, 56, numberKind::dateTime},
+    {57, 58, numberKind::date    },
 };
 
 }  // namespace

@@ -54,15 +54,16 @@ std::string guessOf(std::string_view begin) {
   if (first == std::string_view::npos) return "the file is empty";
   if (begin.find('\0') != std::string_view::npos) return "the file is no Excel workbook";
   if (begin[first] == '<')
-    return "the file is no Excel workbook but a web page or XML: save it as .xlsx in a spreadsheet program";
+    return "the file is no Excel workbook but a web page or XML: save it as .xlsx in a spreadsheet "
+           "program";
   return "the file is no Excel workbook but looks like text: read it as delimited text";
 }
 
 bool beginsWithBiff(std::string_view begin) {
   // FORMAT: BOF records of BIFF2 to BIFF8 differ in the upper byte of their number.
   constexpr std::string_view secondBytes("\0\2\4\10", 4);
-  return begin.size() >= 4 && begin[0] == '\x09' && secondBytes.find(begin[1]) != std::string_view::npos &&
-         begin[3] == '\0';
+  return begin.size() >= 4 && begin[0] == '\x09' &&
+         secondBytes.find(begin[1]) != std::string_view::npos && begin[3] == '\0';
 }
 
 template <class Book, class Open>
@@ -80,7 +81,8 @@ std::unique_ptr<workbook> openWorkbook(platform::binaryFile& file, char delimite
   const std::size_t size = file.readAt(0, bytes.data(), bytes.size());
   const std::string_view begin(reinterpret_cast<const char*>(bytes.data()), size);
   if (compoundFile::isCompoundFile(bytes.data(), size))
-    return opened<xlsInFile>(delimiter, [&](auto& book) { return book.openCompound(file, problem); });
+    return opened<xlsInFile>(delimiter,
+                             [&](auto& book) { return book.openCompound(file, problem); });
   if (begin.starts_with("PK"))
     return opened<xlsxWorkbook>(delimiter, [&](auto& book) { return book.open(file, problem); });
   if (beginsWithBiff(begin))

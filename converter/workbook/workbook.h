@@ -68,7 +68,8 @@ class workbook {
 
   /// Reads a sheet. Answers false with a reason in `problem` when it is damaged; what has arrived until then
   /// is not the sheet.
-  virtual bool readSheet(const sheetEntry& sheet, sheetReceiver& receiver, std::string& problem) = 0;
+  virtual bool readSheet(const sheetEntry& sheet, sheetReceiver& receiver,
+                         std::string& problem) = 0;
 
  protected:
   std::vector<sheetEntry> sheets_;

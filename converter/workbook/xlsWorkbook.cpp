@@ -60,7 +60,8 @@ bool xlsWorkbook::open(byteStream& stream, std::string& problem) {
 
 bool xlsWorkbook::readGlobals(std::string& problem) {
   if (!records_->next() || records_->id() != biff::beginOfFile || records_->size() < 4) {
-    problem = "the workbook is damaged, or of Excel 4 or older, which is not read: save it as .xlsx";
+    problem =
+        "the workbook is damaged, or of Excel 4 or older, which is not read: save it as .xlsx";
     return false;
   }
   isBiff8_ = read16(records_->data()) >= version8;
@@ -117,7 +118,8 @@ bool xlsWorkbook::readGlobal(std::string& problem) {
 
 // A string: its length in one or two bytes; in BIFF8 a flag byte, sizes of what follows the characters, the
 // characters, formatting and phonetic text. @return false when it is cut
-bool xlsWorkbook::appendString(continuedReader& reader, unsigned lengthBytes, std::string& text) const {
+bool xlsWorkbook::appendString(continuedReader& reader, unsigned lengthBytes,
+                               std::string& text) const {
   unsigned length = 0;
   if (lengthBytes == 1 ? !reader.read8(length) : !reader.read16(length)) return false;
   if (!isBiff8_) {
@@ -177,7 +179,8 @@ bool xlsWorkbook::readSharedStrings(std::string& problem) {
   return true;
 }
 
-bool xlsWorkbook::readSheet(const sheetEntry& sheet, sheetReceiver& receiver, std::string& problem) {
+bool xlsWorkbook::readSheet(const sheetEntry& sheet, sheetReceiver& receiver,
+                            std::string& problem) {
   records_->seek(sheet.place);
   if (!records_->next() || records_->id() != biff::beginOfFile) {
     problem = "the workbook is damaged: the sheet does not stand where the workbook says";
@@ -294,7 +297,8 @@ bool xlsWorkbook::readFormula(sheetState& state) {
 void xlsWorkbook::readMerges(sheetState& state) const {
   constexpr std::size_t itemSize = 8;
   const unsigned char* item = records_->data() + 2;
-  for (std::size_t left = records_->size(); left >= 2 + itemSize; left -= itemSize, item += itemSize) {
+  for (std::size_t left = records_->size(); left >= 2 + itemSize;
+       left -= itemSize, item += itemSize) {
     const cellRange range{read16(item), read16(item + 2), read16(item + 4), read16(item + 6)};
     if (range.firstRow <= range.lastRow && range.firstColumn <= range.lastColumn &&
         range.lastColumn < mostColumns)
@@ -310,7 +314,7 @@ void xlsWorkbook::emitNumber(sheetState& state, unsigned style, double number) {
 
 void xlsWorkbook::emitBooleanOrError(const sheetState& state, unsigned value, bool isError) {
   const std::string_view error = errorText(value);
-  const std::string_view text = isError ? (error.empty() ? unknownError : error)
+  const std::string_view text = isError      ? (error.empty() ? unknownError : error)
                                 : value != 0 ? trueText
                                              : falseText;
   line_.clear();
@@ -322,7 +326,8 @@ bool xlsWorkbook::emitString(sheetState& state, continuedReader& reader) {
   text_.clear();
   line_.clear();
   if (!appendString(reader, 2, text_)) {
-    state.problem = "the sheet is damaged: a text of row " + std::to_string(state.row + 1) + " is cut";
+    state.problem =
+        "the sheet is damaged: a text of row " + std::to_string(state.row + 1) + " is cut";
     return false;
   }
   replacements_.append(line_, text_);

@@ -16,7 +16,7 @@ namespace converter {
 
 struct relationship {
   std::string id;
-  std::string type;  ///< the last word of the type
+  std::string type;    ///< the last word of the type
   std::string target;  ///< name of the part, or empty for a target outside the package
 };
 

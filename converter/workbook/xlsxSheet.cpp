@@ -125,7 +125,8 @@ void xlsxSheetEvents::startCell(const xmlAttributes& attributes) {
   column_ = nextColumn_;
   attributes.forEach([this](const char* attribute, const char* text) {
     if (isText(attribute, "r")) {
-      if (!readReference(text, row_, column_)) fail(std::string("the sheet is damaged: it has a cell ") + text);
+      if (!readReference(text, row_, column_))
+        fail(std::string("the sheet is damaged: it has a cell ") + text);
     } else if (isText(attribute, "t")) {
       kind_ = kindOf(text);
     } else if (isText(attribute, "s")) {
@@ -199,9 +200,10 @@ void xlsxSheetEvents::addMerge(const xmlAttributes& attributes) {
   const std::string_view reference(found);
   const std::size_t colon = reference.find(':');
   cellRange range;
-  const bool isRange = colon != std::string_view::npos &&
-                       readReference(reference.substr(0, colon), range.firstRow, range.firstColumn) &&
-                       readReference(reference.substr(colon + 1), range.lastRow, range.lastColumn);
+  const bool isRange =
+      colon != std::string_view::npos &&
+      readReference(reference.substr(0, colon), range.firstRow, range.firstColumn) &&
+      readReference(reference.substr(colon + 1), range.lastRow, range.lastColumn);
   if (!isRange) return;  // one cell, or nothing that could be merged
   if (range.firstRow > range.lastRow) std::swap(range.firstRow, range.lastRow);
   if (range.firstColumn > range.lastColumn) std::swap(range.firstColumn, range.lastColumn);

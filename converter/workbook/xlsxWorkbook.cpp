@@ -168,7 +168,8 @@ bool xlsxWorkbook::readSharedStrings(const std::string& part, std::string& probl
   return hasStrings_;
 }
 
-bool xlsxWorkbook::readSheet(const sheetEntry& sheet, sheetReceiver& receiver, std::string& problem) {
+bool xlsxWorkbook::readSheet(const sheetEntry& sheet, sheetReceiver& receiver,
+                             std::string& problem) {
   const zipMember* const member = archive_.find(sheet.part);
   if (member == nullptr) {
     problem = "the workbook is damaged: the sheet's part " + sheet.part + " is missing";

@@ -17,17 +17,19 @@ tableReader* make(tableReaderOptions options) {
 
 // The formats that this version does not read yet stand here with the reader that reads nothing, so
 // that a source of such a format is never mistaken for delimited text.
+// clang-format off
 constexpr readerVariant variants[] = {
-    {fileTypeCsv,           {L"csv"},                            nullptr,                nullptr,     make<tableReader_csv>},
+    {fileTypeCsv,           {L"csv"},                            nullptr,                nullptr,     make<tableReader_csv>   },
     {fileTypeXlsConverter,  {L"xls", L"xlsx"},                   converterProgramExists, nullptr,     make<tableReader_xlsOLE>},
-    {fileTypeXlsOdbc,       {L"xls", L"xlsx", L"mdb", L"accdb"}, nullptr,                nullptr,     makeDummyReader      },
-    {fileTypeAccessOdbc,    {},                                  nullptr,                nullptr,     makeDummyReader      },
-    {fileTypeDbf,           {L"dbf"},                            nullptr,                nullptr,     makeDummyReader      },
-    {fileTypeSqlite,        {L"sqlite", L"well2"},               nullptr,                nullptr,     makeDummyReader      },
-    {fileTypeMicromineData, {L"micromine"},                      nullptr,                nullptr,     makeDummyReader      },
-    {fileTypeMicromineDhdb, {L"dhdb"},                           nullptr,                nullptr,     makeDummyReader      },
-    {fileTypePetrel,        {},                                  nullptr,                L"# Petrel", makeDummyReader      },
+    {fileTypeXlsOdbc,       {L"xls", L"xlsx", L"mdb", L"accdb"}, nullptr,                nullptr,     makeDummyReader         },
+    {fileTypeAccessOdbc,    {},                                  nullptr,                nullptr,     makeDummyReader         },
+    {fileTypeDbf,           {L"dbf"},                            nullptr,                nullptr,     makeDummyReader         },
+    {fileTypeSqlite,        {L"sqlite", L"well2"},               nullptr,                nullptr,     makeDummyReader         },
+    {fileTypeMicromineData, {L"micromine"},                      nullptr,                nullptr,     makeDummyReader         },
+    {fileTypeMicromineDhdb, {L"dhdb"},                           nullptr,                nullptr,     makeDummyReader         },
+    {fileTypePetrel,        {},                                  nullptr,                L"# Petrel", makeDummyReader         },
 };
+// clang-format on
 
 }  // namespace
 

@@ -22,11 +22,17 @@ std::wstring stemOf(const std::wstring& path) {
   return dot == std::wstring::npos || dot == 0 ? name : name.substr(0, dot);
 }
 
-std::wstring inTemporaryFolder(const std::wstring& name) { return vo_options_get_temp_wpath() + name; }
+std::wstring inTemporaryFolder(const std::wstring& name) {
+  return vo_options_get_temp_wpath() + name;
+}
 
-std::wstring listFile(const std::wstring& path) { return inTemporaryFolder(stemOf(path) + L"_tabList.csv"); }
+std::wstring listFile(const std::wstring& path) {
+  return inTemporaryFolder(stemOf(path) + L"_tabList.csv");
+}
 
-std::wstring sheetFile(const std::wstring& path) { return inTemporaryFolder(stemOf(path) + L".csv"); }
+std::wstring sheetFile(const std::wstring& path) {
+  return inTemporaryFolder(stemOf(path) + L".csv");
+}
 
 // What the converter may leave behind for a source that ends in .xls.
 void removeIntermediate(const std::wstring& path) {
@@ -58,7 +64,8 @@ std::wstring sheetCommandLine(const tableReaderOptions& options, bool headersOnl
   return line;
 }
 
-tableReader_xlsOLE::tableReader_xlsOLE(tableReaderOptions options) : tableReader(std::move(options)) {}
+tableReader_xlsOLE::tableReader_xlsOLE(tableReaderOptions options)
+    : tableReader(std::move(options)) {}
 
 bool tableReader_xlsOLE::readOnlyHeaders() {
   rowLimit_ = -1;
@@ -104,7 +111,8 @@ bool tableReader_xlsOLE::readData() {
 }
 
 bool tableReader_xlsOLE::prepareCSV() {
-  if (!runConverter(sheetCommandLine(options_, headersOnly_, vo_options_get_temp_wpath()))) return false;
+  if (!runConverter(sheetCommandLine(options_, headersOnly_, vo_options_get_temp_wpath())))
+    return false;
   if (headersOnly_ || platform::fileExists(sheetFile(options_.path))) return true;
   removeIntermediate(options_.path);
   return false;
@@ -164,7 +172,8 @@ void tableReader_xlsOLE::clearTemp() {
   platform::removeFile(sheetFile(options_.path));
 }
 
-bool tableReader_xlsOLE::rejectedRecords(const std::function<bool(const rejectedRecord&)>& receive) {
+bool tableReader_xlsOLE::rejectedRecords(
+    const std::function<bool(const rejectedRecord&)>& receive) {
   if (options_.direction != 0 || errors_.empty()) return false;
   const bool before = std::exchange(headersOnly_, false);
   const bool isPrepared = prepareCSV();

@@ -51,23 +51,27 @@ struct argumentRow {
 };
 
 const argumentRow argumentRows[] = {
-    argumentRow{{L"a.xls"},                                     "a.xls >  $"                                     },
-    argumentRow{{L"a.xls", L"-delimiter", L";"},                "a.xls >  ;"                                     },
-    argumentRow{{L"-copyMerged", L"a.xls"},                     "a.xls >  merged $"                              },
-    argumentRow{{L"a.xls", L"-destFolder", L"-x", L"y"},        "a.xls > -x y $"                                 },
-    argumentRow{{L"a.xls", L"-help"},                           "help"                                           },
-    argumentRow{{L"--help"},                                    "help"                                           },
-    argumentRow{{},                                             "problem: the source is missing"                 },
-    argumentRow{{L"-copyMerged"},                               "problem: the source is missing"                 },
-    argumentRow{{L"a", L"b"},                                   "problem: \"b\" is neither a switch nor the source"},
-    argumentRow{{L"a", L"-destFolder"},                         "problem: -destFolder needs a folder behind it"  },
-    argumentRow{{L"a", L"-destFolder", L"-help"},               "problem: -destFolder needs a folder behind it"  },
-    argumentRow{{L"a", L"-table"},                              "problem: -table needs a value behind it"        },
-    argumentRow{{L"a", L"-headers", L"x"},                      "problem: -headers takes the position of a row, from 0"},
-    argumentRow{{L"a", L"-headers", L"9999999999"},             "problem: -headers takes the position of a row, from 0"},
-    argumentRow{{L"a", L"-delimiter", L"$$"},                   "problem: -delimiter takes one character of punctuation or a TAB"},
-    argumentRow{{L"a", L"-delimiter", L"1"},                    "problem: -delimiter takes one character of punctuation or a TAB"},
-    argumentRow{{L"a", L"-delimiter", L"\u00A7"},               "problem: -delimiter takes one character of punctuation or a TAB"},
+    argumentRow{{L"a.xls"},                              "a.xls >  $"                                           },
+    argumentRow{{L"a.xls", L"-delimiter", L";"},         "a.xls >  ;"                                           },
+    argumentRow{{L"-copyMerged", L"a.xls"},              "a.xls >  merged $"                                    },
+    argumentRow{{L"a.xls", L"-destFolder", L"-x", L"y"}, "a.xls > -x y $"                                       },
+    argumentRow{{L"a.xls", L"-help"},                    "help"                                                 },
+    argumentRow{{L"--help"},                             "help"                                                 },
+    argumentRow{{},                                      "problem: the source is missing"                       },
+    argumentRow{{L"-copyMerged"},                        "problem: the source is missing"                       },
+    argumentRow{{L"a", L"b"},                            "problem: \"b\" is neither a switch nor the source"    },
+    argumentRow{{L"a", L"-destFolder"},                  "problem: -destFolder needs a folder behind it"        },
+    argumentRow{{L"a", L"-destFolder", L"-help"},        "problem: -destFolder needs a folder behind it"        },
+    argumentRow{{L"a", L"-table"},                       "problem: -table needs a value behind it"              },
+    argumentRow{{L"a", L"-headers", L"x"},               "problem: -headers takes the position of a row, from 0"},
+    argumentRow{{L"a", L"-headers", L"9999999999"},
+                "problem: -headers takes the position of a row, from 0"                                         },
+    argumentRow{{L"a", L"-delimiter", L"$$"},
+                "problem: -delimiter takes one character of punctuation or a TAB"                               },
+    argumentRow{{L"a", L"-delimiter", L"1"},
+                "problem: -delimiter takes one character of punctuation or a TAB"                               },
+    argumentRow{{L"a", L"-delimiter", L"\u00A7"},
+                "problem: -delimiter takes one character of punctuation or a TAB"                               },
 };
 
 TEST(converterCommandLine, arguments) {
@@ -80,10 +84,10 @@ TEST(converterCommandLine, arguments) {
 TEST(converterCommandLine, targets) {
   conversionRequest request;
   const std::pair<const wchar_t*, const char*> cases[] = {
-      {L"d/a.xlsx",   "T/a.csv"    },
-      {L"d.e\\a.b.c", "T/a.b.csv"  },
-      {L"d.e/a",      "T/a.csv"    },
-      {L".xls",       "T/.xls.csv" },
+      {L"d/a.xlsx",   "T/a.csv"   },
+      {L"d.e\\a.b.c", "T/a.b.csv" },
+      {L"d.e/a",      "T/a.csv"   },
+      {L".xls",       "T/.xls.csv"},
   };
   for (const wchar_t* const folder : {L"T/", L"T"}) {
     request.folder = folder;

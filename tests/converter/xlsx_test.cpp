@@ -18,6 +18,8 @@ struct sheetRow {
   int line = __builtin_LINE();
 };
 
+// WHY: version 14 crashes on this table and the other one.
+// clang-format off
 const sheetRow sheetRows[] = {
     sheetRow{"numbers", "<row><c><v>1</v></c><c><v>-2.50</v></c><c><v>1E3</v></c><c><v>12345.678900000001</v></c></row>",
              "1$-2.5$1000$12345.6789\n"},
@@ -79,6 +81,7 @@ const sheetRow sheetRows[] = {
              "<row><c r='A1'><v>1</v></c><c r='XFD1'><v>1</v></c></row><row r='1048576'><c r='A1048576'><v>1</v></c></row>",
              "problem: the sheet has 1048576 rows and 16384 columns, but only 3 cells with a value: it is no table"},
 };
+// clang-format on
 
 xlsxBuilder bookWith(const std::string& rows, const std::string& behind = {}) {
   xlsxBuilder book;
@@ -110,13 +113,15 @@ TEST(xlsx, dates1904) {
 
 // --- merged cells ---
 
-const std::string merged = "<mergeCells><mergeCell ref='A1:B2'/><mergeCell ref='D3:C4'/></mergeCells>";
+const std::string merged =
+    "<mergeCells><mergeCell ref='A1:B2'/><mergeCell ref='D3:C4'/></mergeCells>";
 
 TEST(xlsx, mergedCellsAreCopied) {
   conversion copying;
   copying.request.copyMerged = true;
   const std::string rows =
-      "<row><c><v>1</v></c><c><v>9</v></c></row><row r='3'><c r='A3'><v>2</v></c><c r='C3'><v>3</v></c></row>";
+      "<row><c><v>1</v></c><c><v>9</v></c></row><row r='3'><c r='A3'><v>2</v></c><c "
+      "r='C3'><v>3</v></c></row>";
   EXPECT_EQ(copying.run(bookWith(rows, merged).bytes()), "1$1$$\n1$1$$\n2$$3$3\n$$3$3\n");
 }
 
@@ -134,7 +139,8 @@ TEST(xlsx, ofOverlappingRangesTheFirstCounts) {
   conversion copying;
   copying.request.copyMerged = true;
   const std::string ranges =
-      "<mergeCells><mergeCell ref='B1:C2'/><mergeCell ref='A1:B3'/><mergeCell ref='A9'/><mergeCell/></mergeCells>";
+      "<mergeCells><mergeCell ref='B1:C2'/><mergeCell ref='A1:B3'/><mergeCell "
+      "ref='A9'/><mergeCell/></mergeCells>";
   EXPECT_EQ(copying.run(bookWith("<row><c><v>1</v></c><c><v>2</v></c></row>", ranges).bytes()),
             "1$1$\n1$1$\n1$1$\n");
 }
@@ -153,7 +159,14 @@ TEST(xlsx, headerRow) {
   const std::string rows =
       "<row><c><v>1</v></c></row><row><c><v>2</v></c></row><row><c/><c/><c><v>3</v></c></row>";
   const std::pair<std::int32_t, const char*> cases[] = {
-      {-5, "1$$\n"}, {-1, "1$$\n"}, {0, "1$$\n"}, {1, "2$$\n"}, {2, "$$3\n"}, {3, ""}, {2147483647, ""}};
+      {-5,         "1$$\n"},
+      {-1,         "1$$\n"},
+      {0,          "1$$\n"},
+      {1,          "2$$\n"},
+      {2,          "$$3\n"},
+      {3,          ""     },
+      {2147483647, ""     }
+  };
   for (const auto& [position, expected] : cases) {
     conversion heading;
     heading.request.headerPosition = position;
@@ -179,11 +192,13 @@ zipMembers changed(const std::string& name, const std::string& from, const std::
 }
 
 TEST(xlsx, strictNamespacesAndPrefixes) {
-  zipMembers members = changed("xl/_rels/workbook.xml.rels", "worksheets/sheet1", "/xl/worksheets/sheet1");
+  zipMembers members =
+      changed("xl/_rels/workbook.xml.rels", "worksheets/sheet1", "/xl/worksheets/sheet1");
   for (auto& [member, bytes] : members) {
     if (member != "xl/worksheets/sheet1.xml") continue;
-    bytes = "<x:worksheet xmlns:x='http://purl.oclc.org/ooxml/spreadsheetml/main'><x:sheetData><x:row>"
-            "<x:c t='s'><x:v>0</x:v></x:c></x:row></x:sheetData></x:worksheet>";
+    bytes =
+        "<x:worksheet xmlns:x='http://purl.oclc.org/ooxml/spreadsheetml/main'><x:sheetData><x:row>"
+        "<x:c t='s'><x:v>0</x:v></x:c></x:row></x:sheetData></x:worksheet>";
   }
   EXPECT_EQ(conversion().run(zipOf(members)), "first\n");
 }
@@ -224,6 +239,7 @@ struct refusalRow {
 
 TEST(xlsx, refusals) {
   const std::string sheetPart = "xl/worksheets/sheet1.xml";
+  // clang-format off
   const refusalRow rows[] = {
       refusalRow{"no workbook", {{"a.txt", "a"}}, "problem: the ZIP archive holds no Excel workbook"},
       refusalRow{"a binary workbook", changed("_rels/.rels", "workbook.xml", "workbook.bin"),
@@ -245,6 +261,7 @@ TEST(xlsx, refusals) {
       refusalRow{"an item without end", changed(sheetPart, "<sheetData>", "<!--" + std::string(40u << 20, 'x') + "-->"),
                  "problem: an XML part is refused: a single item of it is longer than 16 MiB"},
   };
+  // clang-format on
   for (const refusalRow& row : rows) {
     const testing::ScopedTrace trace(__FILE__, row.line, row.name);
     EXPECT_EQ(conversion().run(zipOf(row.members)), row.expected);
@@ -255,15 +272,17 @@ TEST(xlsx, refusals) {
 
 const zipMembers& threeSheets() {
   static const zipMembers members = [] {
-    zipMembers all = changed("xl/workbook.xml", "<sheets>",
-                             "<sheets><sheet name='chart' r:id='r9'/><sheet name='hidden' state='hidden' r:id='r8'/>"
-                             "<sheet name='a$&quot;b' state='veryHidden' r:id='r8'/>");
+    zipMembers all = changed(
+        "xl/workbook.xml", "<sheets>",
+        "<sheets><sheet name='chart' r:id='r9'/><sheet name='hidden' state='hidden' r:id='r8'/>"
+        "<sheet name='a$&quot;b' state='veryHidden' r:id='r8'/>");
     for (auto& [name, bytes] : all)
       if (name == "xl/_rels/workbook.xml.rels")
         bytes.insert(bytes.find("<Relationship "),
                      "<Relationship Id='r9' Type='t/chartsheet' Target='c.xml'/>"
                      "<Relationship Id='r8' Type='t/worksheet' Target='hidden.xml'/>");
-    all.emplace_back("xl/hidden.xml", "<worksheet><sheetData><row><c><v>8</v></c></row></sheetData></worksheet>");
+    all.emplace_back("xl/hidden.xml",
+                     "<worksheet><sheetData><row><c><v>8</v></c></row></sheetData></worksheet>");
     return all;
   }();
   return members;
@@ -275,18 +294,21 @@ TEST(xlsx, listOfSheets) {
   EXPECT_EQ(listing.run(zipOf(threeSheets())), "hidden$a\xEF\xBC\x84\"b$S\n");
 }
 
-TEST(xlsx, theFirstVisibleSheetIsTheDefault) { EXPECT_EQ(conversion().run(zipOf(threeSheets())), "first\n"); }
+TEST(xlsx, theFirstVisibleSheetIsTheDefault) {
+  EXPECT_EQ(conversion().run(zipOf(threeSheets())), "first\n");
+}
 
 TEST(xlsx, sheetsByName) {
   const std::pair<const wchar_t*, const char*> cases[] = {
-      {L"S",              "first\n"                                                             },
-      {L"hidden",         "8\n"                                                                 },
-      {L"a$\"b",          "8\n"                                                                 },
-      {L"a\uFF04\"b",     "8\n"                                                                 },
-      {L"a\uFF04" L"b",   "8\n"                                                                 },
-      {L"s",              "problem: the workbook has no sheet \"s\""                            },
-      {L"",               "problem: the workbook has no sheet \"\""                             },
-      {L"chart",          "problem: the sheet \"chart\" has no cells: it is a chart or a macro" },
+      {L"S",          "first\n"                                                            },
+      {L"hidden",     "8\n"                                                                },
+      {L"a$\"b",      "8\n"                                                                },
+      {L"a\uFF04\"b", "8\n"                                                                },
+      {L"a\uFF04"
+       L"b",   "8\n"                                                                },
+      {L"s",          "problem: the workbook has no sheet \"s\""                           },
+      {L"",           "problem: the workbook has no sheet \"\""                            },
+      {L"chart",      "problem: the sheet \"chart\" has no cells: it is a chart or a macro"},
   };
   for (const auto& [name, expected] : cases) {
     conversion named;

@@ -53,14 +53,16 @@ struct sheetLineRow {
 };
 
 const sheetLineRow sheetLineRows[] = {
-    sheetLineRow{"the default sheet",        optionsFor(L"D:/a.xlsx"),              false,
-                 " \"D:/a.xlsx\"  -destFolder T:/my temp/ -copyMerged -delimiter $"                                  },
-    sheetLineRow{"a sheet by its name",      optionsFor(L"D:/a.xlsx", L"my sheet"), false,
-                 " \"D:/a.xlsx\"  -destFolder T:/my temp/ -copyMerged -delimiter $ -table \"my sheet\""              },
-    sheetLineRow{"headers only",             optionsFor(L"D:/a.xlsx", L"", 3),      true,
-                 " \"D:/a.xlsx\"  -destFolder T:/my temp/ -copyMerged -delimiter $ -headers 3"                       },
-    sheetLineRow{"headers of a named sheet", optionsFor(L"D:/a.xlsx", L"s", -1),    true,
-                 " \"D:/a.xlsx\"  -destFolder T:/my temp/ -copyMerged -delimiter $ -table \"s\" -headers -1"         },
+    sheetLineRow{"the default sheet", optionsFor(L"D:/a.xlsx"), false,
+                 " \"D:/a.xlsx\"  -destFolder T:/my temp/ -copyMerged -delimiter $"                      },
+    sheetLineRow{
+                 "a sheet by its name",                                                                                                                                optionsFor(L"D:/a.xlsx",                          L"my sheet"), false,
+                 " \"D:/a.xlsx\"  -destFolder T:/my temp/ -copyMerged -delimiter $ -table \"my sheet\""},
+    sheetLineRow{    "headers only", optionsFor(L"D:/a.xlsx",                                     L"",          3),          true,
+                 " \"D:/a.xlsx\"  -destFolder T:/my temp/ -copyMerged -delimiter $ -headers 3"},
+    sheetLineRow{ "headers of a named sheet",  optionsFor(L"D:/a.xlsx",                                    L"s",                                                                          -1),                                                                          true,
+                 " \"D:/a.xlsx\"  -destFolder T:/my temp/ -copyMerged -delimiter $ -table \"s\" "
+                 "-headers -1"},
 };
 
 TEST(tableReader_xlsOLE, sheetCommandLines) {
@@ -99,7 +101,9 @@ class converterReader : public testing::Test {
   }
 
   std::wstring temporaryFile(const std::wstring& name) const { return temporary_ + name; }
-  std::string arguments() const { return testSupport::readFile(folder_.file(L"log")).value_or("none"); }
+  std::string arguments() const {
+    return testSupport::readFile(folder_.file(L"log")).value_or("none");
+  }
   bool temporaryFolderIsEmpty() const {
     return std::filesystem::is_empty(std::filesystem::path(temporary_));
   }
@@ -120,7 +124,7 @@ class converterReader : public testing::Test {
   std::wstring temporary_ = folder_.file(L"my temp/");
   mainModule module_{folder_.file(L"suite.exe")};
   environmentSetter temporarySetters_[2] = {
-      {testSupport::onWindows ? L"TMP" : L"TMPDIR", temporary_},
+      {testSupport::onWindows ? L"TMP" : L"TMPDIR", temporary_          },
       {L"VOK_FAKE_LOG",                             folder_.file(L"log")}
   };
   std::optional<environmentSetter> target_;
@@ -205,30 +209,28 @@ struct lineRow {
 };
 
 const lineRow lineRows[] = {
-    lineRow{"an empty name is numbered",       L"a$b$$d\n1$2$3$4\n",         0,  1,
-            "fields a|b|field_2|d  rows 1|2|3|4  ok"                                                        },
-    lineRow{"one value too many",              L"a$b\n1$2\n1$2$3\n5$6\n",    0,  1,
-            "fields a|b  rows 1|2 / 5|6  errors 2  ok"                                                      },
-    lineRow{"one value too few",               L"a$b\n1\n",                  0,  1, "fields a|b  errors 1  ok"},
-    lineRow{"no header, data from the first",  L"a$b\n1$2\n",                -1, 0,
-            "fields field_0|field_1  rows a|b / 1|2  ok"                                                    },
-    lineRow{"no header, data from the second", L"a$b\n1$2\n",                -1, 1,
-            "fields field_0|field_1  rows 1|2  ok"                                                          },
-    lineRow{"lines above the header",          L"title$\nx\na$b\n1$2\n",     2,  3,
-            "fields a|b  rows 1|2  ok"                                                                      },
-    lineRow{"lines between header and data",   L"a$b\nm$m\nbad\n1$2\n",      0,  3,
-            "fields a|b  rows 1|2  ok"                                                                      },
-    lineRow{"empty rows are left out",         L"a$b\n$\n1$2\n\n$$$\n3$4\n", 0,  1,
-            "fields a|b  rows 1|2 / 3|4  ok"                                                                },
-    lineRow{"empty values at the end stay",    L"a$b$c\n1$$\n",              0,  1,
-            "fields a|b|c  rows 1||  ok"                                                                    },
-    lineRow{"values are not trimmed",          L" a $b\n 1 $\"2\"\n",        0,  1,
-            "fields  a |b  rows  1 |\"2\"  ok"                                                              },
-    lineRow{"the header behind the end",       L"a$b\n1$2\n",                9,  10, "ok"                   },
-    lineRow{"UTF-8",                           L"Скважина$\u20AC\nД1$2\n",   0,  1,
-            "fields Скважина|\xE2\x82\xAC  rows Д1|2  ok"                                                   },
-    lineRow{"an empty file",                   L"",                          0,  1, "fields field_0  ok"    },
-    lineRow{"no line end at the end",          L"a\n1",                      0,  1, "fields a  rows 1  ok"  },
+    lineRow{"an empty name is numbered",       L"a$b$$d\n1$2$3$4\n",                0,  1,
+            "fields a|b|field_2|d  rows 1|2|3|4  ok"                                                                    },
+    lineRow{"one value too many",              L"a$b\n1$2\n1$2$3\n5$6\n",           0,  1,
+            "fields a|b  rows 1|2 / 5|6  errors 2  ok"                                                                  },
+    lineRow{"one value too few",               L"a$b\n1\n",                         0,  1,  "fields a|b  errors 1  ok"  },
+    lineRow{"no header, data from the first",  L"a$b\n1$2\n",                       -1, 0,
+            "fields field_0|field_1  rows a|b / 1|2  ok"                                                                },
+    lineRow{"no header, data from the second", L"a$b\n1$2\n",                       -1, 1,
+            "fields field_0|field_1  rows 1|2  ok"                                                                      },
+    lineRow{"lines above the header",          L"title$\nx\na$b\n1$2\n",            2,  3,  "fields a|b  rows 1|2  ok"  },
+    lineRow{"lines between header and data",   L"a$b\nm$m\nbad\n1$2\n",             0,  3,
+            "fields a|b  rows 1|2  ok"                                                                                  },
+    lineRow{"empty rows are left out",         L"a$b\n$\n1$2\n\n$$$\n3$4\n",        0,  1,
+            "fields a|b  rows 1|2 / 3|4  ok"                                                                            },
+    lineRow{"empty values at the end stay",    L"a$b$c\n1$$\n",                     0,  1,  "fields a|b|c  rows 1||  ok"},
+    lineRow{"values are not trimmed",          L" a $b\n 1 $\"2\"\n",               0,  1,
+            "fields  a |b  rows  1 |\"2\"  ok"                                                                          },
+    lineRow{"the header behind the end",       L"a$b\n1$2\n",                       9,  10, "ok"                        },
+    lineRow{"UTF-8",                           L"Скважина$\u20AC\nД1$2\n", 0,  1,
+            "fields Скважина|\xE2\x82\xAC  rows Д1|2  ok"                                                      },
+    lineRow{"an empty file",                   L"",                                 0,  1,  "fields field_0  ok"        },
+    lineRow{"no line end at the end",          L"a\n1",                             0,  1,  "fields a  rows 1  ok"      },
 };
 
 TEST_F(converterReader, lines) {

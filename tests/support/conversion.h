@@ -24,7 +24,8 @@ class conversion {
     const std::wstring target = converter::targetPath(request);
     const std::string text = readFile(target).value_or("no file");
     std::filesystem::remove(std::filesystem::path(target));
-    if (!std::filesystem::is_empty(std::filesystem::path(request.folder))) return "something is left";
+    if (!std::filesystem::is_empty(std::filesystem::path(request.folder)))
+      return "something is left";
     if (isDone) return text;
     return text == "no file" ? "problem: " + problem : "a file in spite of: " + problem;
   }

@@ -29,7 +29,8 @@ std::string deflated(const std::string& bytes) {
   return out;
 }
 
-constexpr std::string_view mainNamespace = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
+constexpr std::string_view mainNamespace =
+    "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 constexpr std::string_view officeTypes =
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
 
@@ -49,8 +50,8 @@ std::string biff(unsigned version, const std::string& globals, const std::string
   const std::string first = beginOf(5) + globals;
   const std::string listed = le16(0) + name;  // visible, a sheet
   const std::size_t place = first.size() + 8 + listed.size() + record(end, "").size();
-  return first + record(boundSheet, le32(static_cast<std::uint32_t>(place)) + listed) + record(end, "") +
-         beginOf(0x10) + cells + record(end, "");
+  return first + record(boundSheet, le32(static_cast<std::uint32_t>(place)) + listed) +
+         record(end, "") + beginOf(0x10) + cells + record(end, "");
 }
 
 }  // namespace
@@ -89,17 +90,20 @@ zipMembers xlsxBuilder::members() const {
   const std::string relations =
       "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">";
   zipMembers all = {
-      {"_rels/.rels",                relations + relation("r1", "officeDocument", "xl/workbook.xml") + "</Relationships>"},
+      {"_rels/.rels",
+       relations + relation("r1",                                                           "officeDocument", "xl/workbook.xml") + "</Relationships>"},
       {"xl/workbook.xml",
-       "<workbook" + space + " xmlns:r=\"" + std::string(officeTypes) + "\"><workbookPr " + properties +
-           "/><sheets><sheet name=\"S\" sheetId=\"1\" r:id=\"r1\"/></sheets></workbook>"                                },
+       "<workbook" + space + " xmlns:r=\"" + std::string(officeTypes) + "\"><workbookPr " +
+           properties +
+           "/><sheets><sheet name=\"S\" sheetId=\"1\" r:id=\"r1\"/></sheets></workbook>"                                         },
       {"xl/_rels/workbook.xml.rels",
-       relations + relation("r1", "worksheet", "worksheets/sheet1.xml") + relation("r2", "styles", "styles.xml") +
-           relation("r3", "sharedStrings", "sharedStrings.xml") + "</Relationships>"                                    },
-      {"xl/styles.xml",
-       "<styleSheet" + space + "><numFmts>" + formats + "</numFmts><cellStyleXfs><xf numFmtId=\"14\"/></cellStyleXfs>" +
-           "<cellXfs>" + styles + "</cellXfs></styleSheet>"                                                             },
-      {"xl/worksheets/sheet1.xml",   "<worksheet" + space + ">" + worksheet + "</worksheet>"                            },
+       relations + relation("r1","worksheet", "worksheets/sheet1.xml") +
+           relation("r2", "styles", "styles.xml") +
+           relation("r3", "sharedStrings", "sharedStrings.xml") + "</Relationships>"},
+      {"xl/styles.xml",                                                         "<styleSheet" + space + "><numFmts>" + formats +
+                            "</numFmts><cellStyleXfs><xf numFmtId=\"14\"/></cellStyleXfs>" +
+                            "<cellXfs>" + styles + "</cellXfs></styleSheet>"                                                                                      },
+      {"xl/worksheets/sheet1.xml",                                                                         "<worksheet" + space + ">" + worksheet + "</worksheet>"                                                 },
   };
   if (!sharedStrings.empty())
     all.emplace_back("xl/sharedStrings.xml", "<sst" + space + ">" + sharedStrings + "</sst>");
@@ -132,9 +136,11 @@ std::string compoundOf(const std::string& streamName, const std::string& bytes) 
   if (table.size() > sector) throw std::runtime_error("the stream is too long for this builder");
   while (table.size() < sector) table += le32(freeSector);
   std::string miniTable;
-  for (std::uint32_t i = 0; i < miniSectors; ++i) miniTable += le32(i + 1 == miniSectors ? endOfChain : i + 1);
+  for (std::uint32_t i = 0; i < miniSectors; ++i)
+    miniTable += le32(i + 1 == miniSectors ? endOfChain : i + 1);
   while (miniTable.size() < sector) miniTable += le32(freeSector);
-  const auto entry = [](const std::string& name, char type, std::uint32_t start, std::uint32_t length) {
+  const auto entry = [](const std::string& name, char type, std::uint32_t start,
+                        std::uint32_t length) {
     std::string units;
     for (const char c : name) units += std::string{c, '\0'};
     std::string item = units;
@@ -143,12 +149,14 @@ std::string compoundOf(const std::string& streamName, const std::string& bytes) 
     item.resize(116);
     return item + le32(start) + le32(length) + le32(0);
   };
-  std::string directory = entry("Root Entry", 5, isMini ? 3 : endOfChain, isMini ? miniSectors * 64 : 0) +
-                          entry(streamName, 2, isMini ? 0 : 3, size);
+  std::string directory =
+      entry("Root Entry", 5, isMini ? 3 : endOfChain, isMini ? miniSectors * 64 : 0) +
+      entry(streamName, 2, isMini ? 0 : 3, size);
   directory.resize(sector);
-  std::string header = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + std::string(16, '\0') + le16(0x3E) + le16(3) +
-                       le16(0xFFFE) + le16(9) + le16(6) + std::string(10, '\0') + le32(1) + le32(1) + le32(0) +
-                       le32(4096) + le32(2) + le32(1) + le32(endOfChain) + le32(0) + le32(0);
+  std::string header = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + std::string(16, '\0') + le16(0x3E) +
+                       le16(3) + le16(0xFFFE) + le16(9) + le16(6) + std::string(10, '\0') +
+                       le32(1) + le32(1) + le32(0) + le32(4096) + le32(2) + le32(1) +
+                       le32(endOfChain) + le32(0) + le32(0);
   while (header.size() < sector) header += le32(freeSector);
   std::string data = bytes;
   data.resize(sectors * sector);

@@ -9,6 +9,7 @@ try:
     import xlrd
 except ImportError:
     openpyxl = xlrd = None
+HAS_PACKAGES = openpyxl is not None and xlrd is not None
 
 # Refused on purpose; the other packages read them.
 REFUSED = {
