@@ -104,7 +104,7 @@ def write_small_parts(archive):
         f'<Relationship Id="rId2" Type="{OFFICE}/styles" Target="styles.xml"/>'
         f'<Relationship Id="rId3" Type="{OFFICE}/sharedStrings" Target="sharedStrings.xml"/></Relationships>')
     put("xl/styles.xml",
-        f'<styleSheet xmlns="{NAMESPACE}"><fonts count="1"><font/></fonts><fills count="1"><fill/></fills>'
+        f'<styleSheet xmlns="{NAMESPACE}"><fonts count="1"><font/></fonts><fills count="1"><fill><patternFill/></fill></fills>'
         '<borders count="1"><border/></borders><cellStyleXfs count="1"><xf/></cellStyleXfs>'
         '<cellXfs count="2"><xf numFmtId="0"/><xf numFmtId="14" applyNumberFormat="1"/></cellXfs></styleSheet>')
 

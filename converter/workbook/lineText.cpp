@@ -24,10 +24,12 @@ lineText::lineText(char delimiter) : delimiter_(delimiter) {
 
 void lineText::append(std::string& line, std::string_view text) const {
   for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::size_t plain = i;
+    while (i < text.size() && !isSpecial_[static_cast<unsigned char>(text[i])]) ++i;
+    line += text.substr(plain, i - plain);
+    if (i == text.size()) return;
     const char c = text[i];
-    if (!isSpecial_[static_cast<unsigned char>(c)]) {
-      line += c;
-    } else if (lineBreaks.find(c) != std::string_view::npos) {
+    if (lineBreaks.find(c) != std::string_view::npos) {
       if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
       line += ' ';
     } else {
