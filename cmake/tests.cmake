@@ -43,7 +43,7 @@ add_dependencies(vok_tests echo_arguments)
 # A child program for the tests of the spreadsheet reader: it records how it was called and leaves files, as
 # the converter does. And the converter itself, for the tests that go through it.
 add_executable(fake_converter tests/readers/fake_converter.cpp)
-target_link_libraries(fake_converter PRIVATE vok_platform)
+target_link_libraries(fake_converter PRIVATE vok_converter_parts)
 vok_options(fake_converter)
 add_dependencies(vok_tests fake_converter vok_xls2csv)
 

@@ -3,21 +3,12 @@
 // and an empty one for VOK_FAKE_LEFTOVER, where these are set. Ends with code 1, which nobody asks for.
 #include <string>
 
-#include "platform/codePages.h"
+#include "converter/wideText.h"
 #include "platform/console.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 
 namespace {
-
-std::string utf8(const std::wstring& text) {
-  std::string bytes(4 * text.size(), '\0');
-  const int length =
-      platform::encodeCodePage(platform::utf8CodePage, text.data(), static_cast<int>(text.size()),
-                               bytes.data(), static_cast<int>(bytes.size()));
-  bytes.resize(static_cast<std::size_t>(length));
-  return bytes;
-}
 
 void writeTo(const wchar_t* variable, const std::string& bytes) {
   const auto path = platform::environmentVariable(variable);
@@ -30,9 +21,10 @@ void writeTo(const wchar_t* variable, const std::string& bytes) {
 int main(int count, char** values) {
   std::string lines;
   for (const std::wstring& argument : platform::commandLineArguments(count, values))
-    lines += utf8(argument) + "\n";
+    lines += converter::toUtf8(argument) + "\n";
   writeTo(L"VOK_FAKE_LOG", lines);
-  writeTo(L"VOK_FAKE_TARGET", utf8(platform::environmentVariable(L"VOK_FAKE_TEXT").value_or(L"")));
+  writeTo(L"VOK_FAKE_TARGET",
+          converter::toUtf8(platform::environmentVariable(L"VOK_FAKE_TEXT").value_or(L"")));
   writeTo(L"VOK_FAKE_LEFTOVER", "");
   return 1;
 }
