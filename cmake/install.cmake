@@ -7,7 +7,7 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTAL
   OUTPUT_VARIABLE vok_libdir_from_bindir)
 set_target_properties(vok_table PROPERTIES INSTALL_RPATH "$ORIGIN;$ORIGIN/${vok_libdir_from_bindir}")
 
-install(TARGETS vok_table_rw_vc vok_table
+install(TARGETS vok_table_rw_vc vok_table vok_xls2csv
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})

@@ -1,5 +1,5 @@
 # vok_sqlite: SQLite for suite/io. On Linux the system's shared library; on Windows, where no package has
-# one, compiled into the DLL from the source package of the same version (scripts/make_sqlite_source.sh).
+# one, compiled into the DLL from the source package of the same version (scripts/make_library_source.sh).
 #
 # It answers the same on both: the options below are those of Debian's library, read off its
 # PRAGMA compile_options, but for loading extensions, which would bring foreign code into the host.
@@ -15,7 +15,8 @@ set(VOK_SQLITE_SOURCE ${PROJECT_SOURCE_DIR}/build/sqlite CACHE PATH
   "Folder of SQLite's amalgamation, made there when it is missing")
 find_program(VOK_BASH bash REQUIRED)
 execute_process(
-  COMMAND ${VOK_BASH} ${PROJECT_SOURCE_DIR}/scripts/make_sqlite_source.sh ${VOK_SQLITE_SOURCE}
+  COMMAND ${VOK_BASH} ${PROJECT_SOURCE_DIR}/scripts/make_library_source.sh sqlite
+    ${VOK_SQLITE_SOURCE}
   RESULT_VARIABLE failure
   ERROR_VARIABLE messages)
 if(failure)

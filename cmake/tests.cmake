@@ -16,10 +16,11 @@ file(GLOB test_sources CONFIGURE_DEPENDS
   tests/core/*.cpp
   tests/database/*.cpp
   tests/text/*.cpp
-  tests/readers/*.cpp
+  tests/readers/*_test.cpp
   tests/writers/*.cpp
   tests/writers/xlsx/*.cpp
   tests/suite/*.cpp
+  tests/converter/*.cpp
   tests/platform/*_test.cpp
   tests/capi/*_test.cpp
   tests/reference/*.cpp
@@ -30,7 +31,7 @@ target_compile_definitions(vok_tests PRIVATE
   VOK_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
   VOK_TEST_FIXTURES="${PROJECT_SOURCE_DIR}/tests/fixtures"
   VOK_EXAMPLES="${PROJECT_SOURCE_DIR}/examples")
-target_link_libraries(vok_tests PRIVATE vok_table_rw_vc_static gtest_main)
+target_link_libraries(vok_tests PRIVATE vok_table_rw_vc_static vok_converter_parts ZLIB::ZLIB gtest_main)
 vok_options(vok_tests)
 target_compile_options(vok_tests PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O1>
   ${vok_less_debug_information})
@@ -40,6 +41,13 @@ add_executable(echo_arguments tests/platform/echo_arguments.cpp)
 target_link_libraries(echo_arguments PRIVATE vok_platform)
 vok_options(echo_arguments)
 add_dependencies(vok_tests echo_arguments)
+
+# A child program for the tests of the spreadsheet reader: it records how it was called and leaves files, as
+# the converter does. And the converter itself, for the tests that go through it.
+add_executable(fake_converter tests/readers/fake_converter.cpp)
+target_link_libraries(fake_converter PRIVATE vok_converter_parts)
+vok_options(fake_converter)
+add_dependencies(vok_tests fake_converter vok_xls2csv)
 
 # Tests are listed when ctest starts, not while building: under Wine a build has no session to run in.
 include(GoogleTest)

@@ -86,6 +86,11 @@ class binaryFile {
   /// @return the number of bytes read; 0 at the end, after a read error and for a file not open
   std::size_t read(void* buffer, std::size_t size);
 
+  /// Reads up to `size` bytes from a place in the file, fewer only at its end. Where a `read` after it
+  /// begins is not defined.
+  /// @return the number of bytes read; 0 behind the end, after a read error and for what has no places
+  std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t size);
+
   /// Writes all bytes. @return false when any of them could not be written or the file is not open
   bool write(const void* bytes, std::size_t size);
 

@@ -14,8 +14,8 @@
 set -u
 
 packages_of() {
-  local run="cmake g++ libcli11-dev libfmt-dev libsqlite3-dev ninja-build zlib1g-dev"
-  local native="$run binutils gcc googletest libxml2-utils python3 python3-dbfread python3-openpyxl"
+  local run="cmake g++ libcli11-dev libexpat1-dev libfmt-dev libsqlite3-dev ninja-build zlib1g-dev"
+  local native="$run binutils gcc googletest libxml2-utils python3 python3-dbfread python3-openpyxl python3-xlrd"
   case $1 in
     run) echo "$run" ;;
     native) echo "$native" ;;
@@ -23,7 +23,9 @@ packages_of() {
     lint) echo "$native clang-format clang-tidy" ;;
     fuzz) echo "$run clang" ;;
     bench) echo "$run python3" ;;
-    bench-peers) echo "$run python3 libcsv-dev libdeflate-dev libgdal-dev libshp-dev libxlsxwriter-dev python3-dbfread python3-pandas" ;;
+    bench-peers)
+      echo "$run python3 libcsv-dev libdeflate-dev libgdal-dev libshp-dev libxlsxwriter-dev python3-dbfread" \
+        "python3-openpyxl python3-pandas xlsx2csv" ;;
     *) echo "install_packages.sh: unknown set '$1'" >&2; return 1 ;;
   esac
 }

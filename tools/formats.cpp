@@ -101,6 +101,11 @@ std::string formatName(std::int32_t fileType, const std::wstring& path) {
   return found == nullptr ? "Petrel text table" : found->title;
 }
 
+// WHY: the library would take a workbook with macros for text.
+std::int32_t typeForExtension(const std::wstring& path) {
+  return writtenExtension(path) == L"xlsm" ? fileTypeXlsConverter : fileTypeAuto;
+}
+
 bool isChosenByExtension(const std::wstring& path) { return formatOfPath(path) != nullptr; }
 
 bool isDelimitedText(std::int32_t fileType, const std::wstring& path) {

@@ -24,6 +24,10 @@ std::string fileTypeNames();
 /// path.
 std::string formatName(std::int32_t fileType, const std::wstring& path);
 
+/// The file type of an extension that the automatic choice does not know although a format has it; else
+/// the automatic choice.
+std::int32_t typeForExtension(const std::wstring& path);
+
 /// True when the automatic choice knows the path's extension and need not look into the file.
 bool isChosenByExtension(const std::wstring& path);
 

@@ -79,6 +79,8 @@ exitCode openSource(const readingArguments& arguments, toolContext& context,
     context.messages.error(*reason);
     return exitCode::cannotOpen;
   }
+  if (options->file_type == tableRW::fileTypeAuto)
+    options->file_type = typeForExtension(options->path);
   // The automatic choice looks into a file of an unknown kind, and would take a pipe's begin away.
   const bool looksInside =
       options->file_type == tableRW::fileTypeAuto && !isChosenByExtension(options->path);

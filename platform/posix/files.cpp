@@ -137,6 +137,12 @@ std::size_t binaryFile::read(void* buffer, std::size_t size) {
   return done;
 }
 
+std::size_t binaryFile::readAt(std::uint64_t offset, void* buffer, std::size_t size) {
+  if (!isOpen() || offset > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) return 0;
+  if (::lseek(static_cast<int>(handle_), static_cast<off_t>(offset), SEEK_SET) < 0) return 0;
+  return read(buffer, size);
+}
+
 bool binaryFile::write(const void* bytes, std::size_t size) {
   if (!isOpen()) return false;
   std::size_t done = 0;

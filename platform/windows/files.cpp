@@ -138,6 +138,15 @@ std::size_t binaryFile::read(void* buffer, std::size_t size) {
   return done;
 }
 
+std::size_t binaryFile::readAt(std::uint64_t offset, void* buffer, std::size_t size) {
+  LARGE_INTEGER place;
+  place.QuadPart = static_cast<LONGLONG>(offset);
+  if (!isOpen() || place.QuadPart < 0 ||
+      SetFilePointerEx(asHandle(handle_), place, nullptr, FILE_BEGIN) == 0)
+    return 0;
+  return read(buffer, size);
+}
+
 bool binaryFile::write(const void* bytes, std::size_t size) {
   if (!isOpen()) return false;
   std::size_t done = 0;

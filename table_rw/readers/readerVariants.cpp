@@ -7,6 +7,7 @@
 #include "table_rw/readers/tableReader_dbf.h"
 #include "table_rw/readers/tableReader_dummy.h"
 #include "table_rw/readers/tableReader_sqlite.h"
+#include "table_rw/readers/tableReader_xlsOLE.h"
 
 namespace tableRW {
 namespace {
@@ -18,9 +19,10 @@ tableReader* make(tableReaderOptions options) {
 
 // The formats that this version does not read yet stand here with the reader that reads nothing, so
 // that a source of such a format is never mistaken for delimited text.
+// clang-format off
 constexpr readerVariant variants[] = {
     {fileTypeCsv,           {L"csv"},                            nullptr,                nullptr,     make<tableReader_csv>   },
-    {fileTypeXlsConverter,  {L"xls", L"xlsx"},                   converterProgramExists, nullptr,     makeDummyReader         },
+    {fileTypeXlsConverter,  {L"xls", L"xlsx"},                   converterProgramExists, nullptr,     make<tableReader_xlsOLE>},
     {fileTypeXlsOdbc,       {L"xls", L"xlsx", L"mdb", L"accdb"}, nullptr,                nullptr,     makeDummyReader         },
     {fileTypeAccessOdbc,    {},                                  nullptr,                nullptr,     makeDummyReader         },
     {fileTypeDbf,           {L"dbf"},                            nullptr,                nullptr,     make<tableReader_dbf>   },
@@ -29,6 +31,7 @@ constexpr readerVariant variants[] = {
     {fileTypeMicromineDhdb, {L"dhdb"},                           nullptr,                nullptr,     makeDummyReader         },
     {fileTypePetrel,        {},                                  nullptr,                L"# Petrel", makeDummyReader         },
 };
+// clang-format on
 
 }  // namespace
 

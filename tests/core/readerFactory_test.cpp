@@ -13,12 +13,12 @@
 #include <vector>
 
 #include "platform/files.h"
-#include "platform/vok_basic.h"
 #include "table_rw/core/converterProgram.h"
 #include "table_rw/core/readerVariants.h"
 #include "table_rw/core/tableReader.h"
 #include "table_rw/readers/tableReader_csv.h"
 #include "table_rw/readers/tableReader_dummy.h"
+#include "tests/support/mainModule.h"
 #include "tests/support/ownedReader.h"
 #include "tests/support/tableText.h"
 #include "tests/support/temporaryFolder.h"
@@ -30,6 +30,7 @@ using namespace std::string_literals;
 using tableRW::tableReader;
 using tableRW::tableReaderOptions;
 using testSupport::describe;
+using testSupport::mainModule;
 using testSupport::ownedReader;
 using testSupport::printable;
 using testSupport::temporaryFolder;
@@ -366,15 +367,6 @@ TEST(readerFactory, theDirectionHasNoSay) {
 }
 
 // ---- spreadsheets -------------------------------------------------------------------------------
-
-// Says where the suite's main module is until the test ends.
-class mainModule {
- public:
-  explicit mainModule(const std::wstring& path) { vo_options_set_main_module_path(path.c_str()); }
-  mainModule(const mainModule&) = delete;
-  mainModule& operator=(const mainModule&) = delete;
-  ~mainModule() { vo_options_set_main_module_path(nullptr); }
-};
 
 bool isUsable(const tableRW::readerVariant& variant) {
   return variant.usable == nullptr || variant.usable();

@@ -35,6 +35,20 @@ TEST_F(files, everyByteComesBack) {
   EXPECT_EQ(readFile(folder_.file(L"f")), bytes);
 }
 
+TEST_F(files, readsFromAnyPlace) {
+  writeFile(folder_.file(L"f"), "0123456789");
+  binaryFile file;
+  char buffer[8] = {};
+  EXPECT_EQ(file.readAt(0, buffer, 1), 0u);  // not open
+  ASSERT_TRUE(file.openForReading(folder_.file(L"f")));
+  EXPECT_EQ(file.readAt(7, buffer, 8), 3u);
+  EXPECT_EQ(std::string(buffer, 3), "789");
+  EXPECT_EQ(file.readAt(2, buffer, 4), 4u);
+  EXPECT_EQ(std::string(buffer, 4), "2345");
+  for (const std::uint64_t place : {std::uint64_t{10}, std::uint64_t{11}, ~std::uint64_t{0}})
+    EXPECT_EQ(file.readAt(place, buffer, 1), 0u) << place;
+}
+
 TEST_F(files, anEmptyFile) {
   writeFile(folder_.file(L"f"), "");
   binaryFile file;

@@ -26,6 +26,15 @@ void* operator new(std::size_t size) {
   return memory;
 }
 
+// Not left to the library: AddressSanitizer has one of its own, which std::stable_sort would ask for memory.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return operator new(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 

@@ -1,0 +1,185 @@
+#include "converter/workbook/xlsxWorkbook.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "converter/workbook/xlsxSheet.h"
+#include "converter/workbook/xlsxText.h"
+
+namespace converter {
+namespace {
+
+bool isTrue(std::string_view text) { return text == "1" || text == "true" || text == "on"; }
+
+unsigned numberOr0(const char* text) {
+  unsigned number = 0;
+  if (text != nullptr) {
+    const std::string_view digits(text);
+    std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  }
+  return number;
+}
+
+class workbookEvents final : public xmlEvents {
+ public:
+  struct entry {
+    std::string name;
+    std::string relationshipId;
+    bool isVisible;
+  };
+  std::vector<entry> entries;
+  dateSystem dates = dateSystem::from1900;
+
+  void startElement(const char* name, const xmlAttributes& attributes) override {
+    if (isText(name, "workbookPr")) {
+      if (const char* const value = attributes.find("date1904"); value != nullptr && isTrue(value))
+        dates = dateSystem::from1904;
+    } else if (isText(name, "sheet")) {
+      entry found{"", "", true};
+      attributes.forEach([&](const char* attribute, std::string_view value) {
+        if (isText(attribute, "name")) appendUnescaped(found.name, value);
+        if (isText(attribute, "id")) found.relationshipId = value;
+        if (isText(attribute, "state")) found.isVisible = value == "visible";
+      });
+      entries.push_back(std::move(found));
+    }
+  }
+  void endElement(const char*) override {}
+  void text(std::string_view) override {}
+};
+
+class styleEvents final : public xmlEvents {
+ public:
+  explicit styleEvents(numberFormats& formats) : formats_(&formats) {}
+
+  void startElement(const char* name, const xmlAttributes& attributes) override {
+    if (isText(name, "numFmt") && !isInDifferences_) {
+      if (const char* const code = attributes.find("formatCode"))
+        formats_->define(numberOr0(attributes.find("numFmtId")), code);
+    } else if (isText(name, "cellXfs")) {
+      isInCellStyles_ = true;
+    } else if (isText(name, "dxfs")) {
+      isInDifferences_ = true;
+    } else if (isText(name, "xf") && isInCellStyles_) {
+      formats_->addStyle(numberOr0(attributes.find("numFmtId")));
+    }
+  }
+  void endElement(const char* name) override {
+    if (isText(name, "cellXfs")) isInCellStyles_ = false;
+    if (isText(name, "dxfs")) isInDifferences_ = false;
+  }
+  void text(std::string_view) override {}
+
+ private:
+  numberFormats* formats_;
+  bool isInCellStyles_ = false;
+  bool isInDifferences_ = false;
+};
+
+class sharedStringEvents final : public xmlEvents {
+ public:
+  sharedStringEvents(textPool& pool, const lineText& replacements)
+      : pool_(&pool), replacements_(&replacements) {}
+
+  void startElement(const char* name, const xmlAttributes&) override { text_.startElement(name); }
+  void endElement(const char* name) override {
+    text_.endElement(name);
+    if (!isText(name, "si")) return;
+    line_.clear();
+    text_.appendTo(line_, *replacements_);
+    text_.clear();
+    pool_->add(line_);
+  }
+  void text(std::string_view piece) override { text_.text(piece); }
+
+ private:
+  textPool* pool_;
+  const lineText* replacements_;
+  richText text_;
+  std::string line_;
+};
+
+}  // namespace
+
+bool xlsxWorkbook::open(platform::binaryFile& file, std::string& problem) {
+  std::string part;
+  if (!archive_.open(file, problem) || !findWorkbookPart(part, problem)) return false;
+  return readWorkbookPart(part, problem);
+}
+
+bool xlsxWorkbook::findWorkbookPart(std::string& part, std::string& problem) {
+  std::vector<relationship> relationships;
+  if (!readRelationships(archive_, "", relationships, problem)) return false;
+  part = "xl/workbook.xml";
+  for (const relationship& each : relationships)
+    if (each.type == "officeDocument") part = each.target;
+  if (part.ends_with(".bin"))
+    problem = "the workbook is of the binary kind .xlsb, which is not read: save it as .xlsx";
+  else if (archive_.find(part) == nullptr)
+    problem = "the ZIP archive holds no Excel workbook";
+  return problem.empty();
+}
+
+bool xlsxWorkbook::readWorkbookPart(const std::string& part, std::string& problem) {
+  std::vector<relationship> relationships;
+  workbookEvents events;
+  if (!readRelationships(archive_, part, relationships, problem) ||
+      !parseXml(archive_, *archive_.find(part), events, problem))
+    return false;
+  context_.dates = events.dates;
+  std::string stylesPart;
+  for (const relationship& each : relationships) {
+    if (each.type == "styles") stylesPart = each.target;
+    if (each.type == "sharedStrings") stringsPart_ = each.target;
+  }
+  for (workbookEvents::entry& each : events.entries) {
+    const auto found = std::find_if(
+        relationships.begin(), relationships.end(),
+        [&](const relationship& candidate) { return candidate.id == each.relationshipId; });
+    if (found == relationships.end()) continue;
+    sheetEntry sheet;
+    sheet.name = std::move(each.name);
+    sheet.isVisible = each.isVisible;
+    sheet.hasCells = found->type == "worksheet";
+    sheet.part = found->target;
+    sheets_.push_back(std::move(sheet));
+  }
+  return readStyles(stylesPart, problem);
+}
+
+bool xlsxWorkbook::readStyles(const std::string& part, std::string& problem) {
+  if (const zipMember* const member = archive_.find(part)) {
+    styleEvents events(context_.formats);
+    if (!parseXml(archive_, *member, events, problem)) return false;
+  }
+  context_.formats.resolve();
+  return true;
+}
+
+bool xlsxWorkbook::readSharedStrings(const std::string& part, std::string& problem) {
+  if (hasStrings_) return true;
+  context_.sharedStrings = {};
+  sharedStringEvents events(context_.sharedStrings, context_.replacements);
+  // Where the part is missing no cell may refer to one.
+  if (const zipMember* const member = archive_.find(part))
+    hasStrings_ = parseXml(archive_, *member, events, problem);
+  else
+    hasStrings_ = true;
+  return hasStrings_;
+}
+
+bool xlsxWorkbook::readSheet(const sheetEntry& sheet, sheetReceiver& receiver,
+                             std::string& problem) {
+  const zipMember* const member = archive_.find(sheet.part);
+  if (member == nullptr) {
+    problem = "the workbook is damaged: the sheet's part " + sheet.part + " is missing";
+    return false;
+  }
+  if (!readSharedStrings(stringsPart_, problem)) return false;
+  xlsxSheetEvents events(context_, receiver);
+  if (!parseXml(archive_, *member, events, problem)) return false;
+  problem = events.stopReason();
+  return problem.empty();
+}
+
+}  // namespace converter

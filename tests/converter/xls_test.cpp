@@ -1,0 +1,297 @@
+// .xls workbooks as text: the records of BIFF8 and BIFF5, and the compound file around them.
+#include <gtest/gtest.h>
+
+#include "converter/syntax/biffRecords.h"
+#include "tests/support/conversion.h"
+#include "tests/support/workbookBuilders.h"
+
+namespace {
+
+using namespace std::string_literals;
+using testSupport::biff5;
+using testSupport::biff8;
+using testSupport::compoundOf;
+using testSupport::conversion;
+using testSupport::le16;
+using testSupport::le32;
+using testSupport::leDouble;
+using testSupport::record;
+namespace biff = converter::biff;
+
+std::string place(unsigned row, unsigned column, unsigned style = 0) {
+  return le16(row) + le16(column) + le16(style);
+}
+
+std::string number(unsigned row, unsigned column, double value, unsigned style = 0) {
+  return record(biff::number, place(row, column, style) + leDouble(value));
+}
+
+// A BIFF8 string with its length in two bytes.
+std::string latin(const std::string& text) {
+  return le16(static_cast<unsigned>(text.size())) + "\0"s + text;
+}
+
+std::string units(const std::u16string& text) {
+  std::string bytes;
+  for (const char16_t unit : text) bytes += le16(unit);
+  return bytes;
+}
+
+std::string wide(const std::u16string& text) {
+  return le16(static_cast<unsigned>(text.size())) + "\1"s + units(text);
+}
+
+std::string sharedCell(unsigned column, std::uint32_t index) {
+  return record(biff::sharedLabel, place(0, column) + le32(index));
+}
+
+std::string sharedStrings(const std::string& strings, std::uint32_t count) {
+  return record(biff::sharedStrings, le32(9) + le32(count) + strings);
+}
+
+// The result of a formula that is no number.
+std::string special(unsigned column, char kind, char value = 0) {
+  return record(biff::formula, place(0, column) +
+                                   std::string{kind, 0, value, 0, 0, 0, '\xFF', '\xFF'} +
+                                   std::string(8, '\0'));
+}
+
+std::string booleanOrError(unsigned column, char value, char isError) {
+  return record(biff::booleanOrError, place(0, column) + std::string{value, isError});
+}
+
+std::string styles(const std::vector<unsigned>& formats) {
+  std::string all;
+  for (const unsigned format : formats)
+    all += record(biff::extendedFormat, le16(0) + le16(format) + std::string(16, '\0'));
+  return all;
+}
+
+struct recordRow {
+  const char* name;
+  std::string globals;
+  std::string cells;
+  const char* expected;
+  int line = __builtin_LINE();
+};
+
+const recordRow recordRows[] = {
+    recordRow{"numbers",                                          "",                                          number(0,                                                                               0,                                                                                                                 0.1) + number(0,                                                                                                                                                                                                                                                                                 1, -7), "0.1$-7\n"},
+    recordRow{"RK in all four kinds",                                               "",
+              record(biff::rk,                                                                                                                                                                      place(0,                                                                                                                                                                                                                                                                  0) + le32(0x3FF00000)) +
+                  record(biff::rk,                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                 place(0, 1) + le32(0x3FF00001)) +
+                  record(biff::rk, place(0, 2) + le32(0xFFFFFFF6)) +
+                  record(biff::rk, place(0, 3) + le32(123u << 2 | 3)),
+              "1$0.01$-3$1.23\n"},
+    recordRow{"several RK",                                           "",
+              record(biff::multipleRk,le16(1) + le16(1) + le16(0) + le32(5u << 2 | 2) + le16(0) +
+                                           le32(6u << 2 | 2) + le16(2)),
+              "$$\n$5$6\n"},
+    recordRow{"several RK that are cut",                                           "",                                                             record(biff::multipleRk,                                                                                                                                                                      le16(0) + le16(0) + le16(0)),
+              ""                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                          },
+    recordRow{"labels",                            "",
+              record(biff::label,                                                                                                                                                                            place(0,                                                                                                                                                                                                                                                                                             0) + latin("a$b")) +
+                  record(biff::label,                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                            place(0, 1) + wide(u"\u0416")),
+              "a\xEF\xBC\x84"
+              "b$\xD0\x96\n"},
+    recordRow{"shared strings",                           sharedStrings(latin("a\xE9") + wide(u"\u0416") + latin(""),3),
+              sharedCell(0,                                                                                                                                                                                                                                                                                                       1) + sharedCell(1,                     0) + sharedCell(2, 2), "\xD0\x96$a\xC3\xA9\n"},
+    recordRow{"rich and phonetic strings",
+              sharedStrings(le16(1) + "\x0C"s + le16(2) + le32(3) + "a" + std::string(8,                                                                     '!') +
+                                "???" + latin("b"),
+              2),
+              sharedCell(0,0) + sharedCell(1, 1), "a$b\n"},
+    recordRow{"characters cut by a record, width changed",
+              sharedStrings(le16(4) + "\0ab"s,                                                                              2) +
+                  record(biff::continued,                                                                                "\1"s + units(u"\u0416\u0417") + latin("c")),
+              sharedCell(0,                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                0) + sharedCell(1, 1), "ab\xD0\x96\xD0\x97$c\n"},
+    recordRow{"a string begins with a record, its header and runs are cut without a flag",
+              sharedStrings(latin("a"),                                                                          3) + record(biff::continued,                                                                                                                                          le16(1) + "\x08"s + "\1"s) +
+                  record(biff::continued,                                                                                                                                                                                                                                                           "\0"s + "b" + "!!") +
+                  record(biff::continued,                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                            "!!" + latin("c")),
+              sharedCell(0, 0) + sharedCell(1, 1) + sharedCell(2, 2), "a$b$c\n"},
+    recordRow{"a string over many records",
+              sharedStrings(le16(3) + "\0a"s,                                                                                              1) + record(biff::continued,                                                                                                                                                                            "\0b"s) +
+                  record(biff::continued,                                                                                                                                                                                                                                                                            "\0c"s),
+              sharedCell(0, 0), "abc\n"},
+    recordRow{"more strings announced than there are",
+              record(biff::sharedStrings,                                                   le32(0) + le32(0xFFFFFFFF) + latin("a")),
+              sharedCell(0,                                                                                                                                                                                                                                   0),                                                                                                                                                                                                                                                                                                                                                                                                       "a\n"},
+    recordRow{"formulas: number, boolean, error, nothing",                                 "",
+              record(biff::formula,                                                                                                                                        place(0,                                                                                                                                                                                                                                                         0) + leDouble(2.5) + std::string(8,'\0')) +
+                  special(1, 1, 1) + special(2, 2, 0x2A) + special(3, 3) + number(0, 4, 1),
+              "2.5$TRUE$#N/A$$1\n"},
+    recordRow{
+              "a formula's text, also behind other records and going on",                       "",
+              special(0, 0) + record(0x04BC,                                                                                                "x") + record(biff::string,                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                le16(2) + "\0a"s) +
+            record(biff::continued, "\0b"s) +
+            record(biff::formula4, place(0, 1) + "\0\0\0\0\0\0\xFF\xFF"s + std::string(8, '\0')) +
+            record(biff::string, latin("c")),
+              "ab$c\n"},
+    recordRow{"a text without a formula",                                 "",                                                                          number(0,                                                                                                                                                       0,                                                                                                                                                                                                                                                                        1) + record(biff::string,                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                            latin("lost")),
+              "1\n"},
+    recordRow{"booleans and errors",                       "",
+              booleanOrError(0,             0,                                                                                                                                                                                                                                                                                               0) + booleanOrError(1,                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                            1, 0) + booleanOrError(2, 0x07, 1) +
+                  booleanOrError(3, 0x63, 1),
+              "FALSE$TRUE$#DIV/0!$#UNKNOWN!\n"},
+    recordRow{"dates by their style",
+              record(biff::format,                                                       le16(164) + latin("dd/mm/yy hh:mm")) + styles({0, 14, 164}),
+              number(0,                                                                                                                                                                                     0,                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                41684, 1) + number(0, 1, 41684.5, 2) + number(0, 2, 41684, 0) +
+                  number(0, 3, 5, 77),
+              "2014-02-14$2014-02-14T12:00:00$41684$5\n"},
+    recordRow{"dates from 1904",                                             record(biff::date1904,                                                                                        le16(1)) + styles({14}),
+              number(0,                                                                                                                                                                                                                   0,                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                        40222), "2014-02-14\n"},
+    recordRow{"records inside a chart are no cells",                "",
+              number(0,                                                                                                                      0,1) + record(biff::beginOfFile,                                                                                                                                                                                                                                                               le16(0x600) + le16(0x20)) +
+                  number(0, 1, 2) + record(biff::endOfFile, "") + number(0, 2, 3),
+              "1$$3\n"},
+    recordRow{"rows from below",                                     "",                                                                               number(1,                                                                                                                                                                   0,                                                                                                                                                                                                                                                                                       2) + number(0,                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                                      1, 1), "$1\n2$\n"},
+    recordRow{"zeros between records",                          "",                                                                                       number(0,                                                                                                                                                           0,                                                                                                                                                   1) + "\0\0\0\0"s + number(0,                                                                                                                                                                                                                                                                                                                                                                                                                 1, 2),
+              "1$2\n"},
+    recordRow{"a cell that is too short",                                           "",                                          record(biff::number,                                                                                                  place(0,                                                                                                                                                                                                        0)),
+              "problem: the sheet is damaged: it has a cell that is too short"},
+    recordRow{"too many columns",                         "",                                  number(0,                                       16384, 1),
+              "problem: the sheet is damaged: it has too many columns"},
+    recordRow{"a shared string that does not exist",                                              sharedStrings(latin("a"),                                                                                         1),                                                                                                                                                           sharedCell(0,                                                                                                                                                                                                                                                    1),
+              "problem: the sheet is damaged: a cell of row 1 refers to shared string 1 of 1"},
+    recordRow{"shared strings that are cut",                             sharedStrings(le16(9) + "\0abc"s,                                                                       1),                                                                                                                                        "",
+              "problem: the workbook is damaged: its shared strings are cut"},
+    recordRow{"a label that is cut",                                                "",                                                                record(biff::label,                                                                                                                                                      place(2,                                                                                                                                                                                                                                                  0) + le16(9) + "\0abc"s),
+              "problem: the sheet is damaged: a text of row 3 is cut"},
+    recordRow{"a password",                                           record(biff::filePass,                                                                                     le16(0)),                                                                                                                                                                      "",
+              "problem: the workbook is protected by a password"},
+};
+
+TEST(xls, records) {
+  for (const recordRow& row : recordRows) {
+    const testing::ScopedTrace trace(__FILE__, row.line, row.name);
+    EXPECT_EQ(conversion().run(compoundOf("Workbook", biff8(row.globals, row.cells))),
+              row.expected);
+  }
+}
+
+TEST(xls, mergedCells) {
+  conversion copying;
+  copying.request.copyMerged = true;
+  const std::string ranges =
+      record(biff::mergedCells, le16(1000) + le16(0) + le16(1) + le16(0) + le16(1)) +
+      record(biff::mergedCells, le16(1) + le16(2) + le16(1) + le16(0) + le16(1));  // upside down
+  EXPECT_EQ(
+      copying.run(compoundOf("Workbook", biff8("", number(0, 0, 1) + number(2, 0, 2) + ranges))),
+      "1$1\n1$1\n2$\n");
+}
+
+TEST(xls, biff5TextIsInItsCodePage) {
+  const auto label = [](const std::string& bytes) {
+    return record(biff::label, place(0, 0) + le16(static_cast<unsigned>(bytes.size())) + bytes) +
+           record(biff::richString, place(0, 1) + le16(1) + "x" + "\1\0\0"s);
+  };
+  const std::pair<unsigned, const char*> cases[] = {
+      {1251,  "\xD0\x96$x\n"    },
+      {1252,  "\xC3\x86$x\n"    },
+      {10000, "\xE2\x88\x86$x\n"},
+      {32768, "\xE2\x88\x86$x\n"},
+      {32769, "\xC3\x86$x\n"    },
+      {932,   "\xEF\xBF\xBD$x\n"},
+  };
+  for (const auto& [page, expected] : cases)
+    EXPECT_EQ(conversion().run(
+                  compoundOf("Book", biff5(record(biff::codePage, le16(page)), label("\xC6")))),
+              expected)
+        << page;
+}
+
+TEST(xls, biff5Formats) {
+  const std::string globals = record(biff::format, le16(164) + "\x08" + "yy-mm-dd") + styles({164});
+  EXPECT_EQ(conversion().run(compoundOf("Book", biff5(globals, number(0, 0, 41684)))),
+            "2014-02-14\n");
+}
+
+TEST(xls, streamsAreFoundInAnyLetters) {
+  EXPECT_EQ(conversion().run(compoundOf("WORKBOOK", biff8("", number(0, 0, 1)))), "1\n");
+  EXPECT_EQ(conversion().run(compoundOf("book", biff8("", number(0, 0, 1)))), "1\n");
+}
+
+TEST(xls, aStreamOfItsOwnSectorsAndABareOne) {
+  std::string cells;
+  std::string expected;
+  for (unsigned row = 0; row < 600; ++row) {
+    cells += number(row, 0, row);
+    expected += std::to_string(row) + "\n";
+  }
+  EXPECT_EQ(conversion().run(compoundOf("Workbook", biff8("", cells))), expected);
+  EXPECT_EQ(conversion().run(biff8("", cells)), expected);
+}
+
+TEST(xls, aSheetWithoutItsLastRecord) {
+  std::string stream = biff8("", number(0, 0, 1));
+  stream.resize(stream.size() - 4);
+  EXPECT_EQ(conversion().run(compoundOf("Workbook", stream)), "1\n");
+  EXPECT_EQ(conversion().run(stream),
+            "problem: the workbook is damaged: its records end too early");
+}
+
+struct fileRow {
+  const char* name;
+  std::string bytes;
+  const char* expected;
+  int line = __builtin_LINE();
+};
+
+std::string poked(std::string bytes, std::size_t offset, const std::string& with) {
+  return bytes.replace(offset, with.size(), with);
+}
+
+TEST(xls, refusedFiles) {
+  const std::string whole = compoundOf("Workbook", biff8("", number(0, 0, 1)));
+  const fileRow rows[] = {
+      fileRow{"an encrypted package",                               compoundOf("EncryptedPackage", "secret"),
+              "problem: the workbook is protected by a password"},
+      fileRow{"another compound file",                                                    compoundOf("WordDocument",                                                           "text"),
+              "problem: the compound file holds no Excel workbook"},
+      fileRow{"a header alone", whole.substr(0,                              512),
+              "problem: the compound file is damaged: its header or its sector table is broken"},
+      fileRow{"absurd sectors",                                                poked(whole,   30,                     le16(31)),
+              "problem: the compound file is damaged: its header or its sector table is broken"},
+      fileRow{"a list of table sectors that loops",
+              poked(poked(poked(whole,                   76,        le32(0xFFFFFFFF)), 68, le32(3)), 512 * 4,
+              std::string(508, '\xFF') + le32(3)),
+              "problem: the compound file is damaged: its header or its sector table is broken"},
+      fileRow{"a directory that loops and holds nothing",
+              poked(poked(whole,                                              512 + 4,                                                                                 le32(1)), 512 * 2, std::string(256, '\0')),
+              "problem: the compound file is damaged: its header or its sector table is broken"},
+      fileRow{"a mini stream that is not there",                                   poked(whole,                                                              512 * 2 + 116,                                                                 le32(0xFFFFFFFE)),
+              "problem: the workbook is damaged, or of Excel 4 or older, which is not read: save "
+              "it as .xlsx"},
+      fileRow{"Excel 3",                                      "\x09\x02\x06\0\0\0\x10\0\0\0"s,
+              "problem: the workbook is damaged, or of Excel 4 or older, which is not read: save "
+              "it as .xlsx"                      },
+      fileRow{
+              "delimited text",           "a;b\n1;2\n",
+              "problem: the file is no Excel workbook but looks like text: read it as delimited text"                                },
+      fileRow{"a web page",                                             "\xEF\xBB\xBF\n<html><table>",
+              "problem: the file is no Excel workbook but a web page or XML: save it as .xlsx in a "
+              "spreadsheet program"                                                                      },
+      fileRow{"nothing",                                                    "",                                                 "problem: the file is empty"                     },
+      fileRow{"something else",
+              "\x7F"
+              "ELF\0\0"s,                                                                       "problem: the file is no Excel workbook"                                                                                        },
+  };
+  for (const fileRow& row : rows) {
+    const testing::ScopedTrace trace(__FILE__, row.line, row.name);
+    EXPECT_EQ(conversion().run(row.bytes), row.expected);
+  }
+}
+
+// A chain of sectors that comes back to itself ends after as many sectors as there are.
+TEST(xls, sectorChainsThatLoop) {
+  std::string cells;
+  for (unsigned row = 0; row < 600; ++row) cells += number(row, 0, row);
+  const std::string whole = compoundOf("Workbook", biff8("", cells));
+  const std::string looping = poked(whole, 512 + 4 * 8, le32(4));
+  EXPECT_EQ(conversion().run(looping).substr(0, 8), "problem:");
+  const std::string longStream = poked(whole, 512 * 2 + 128 + 120, le32(0x7FFFFFFF));
+  EXPECT_EQ(conversion().run(longStream).substr(0, 4), "0\n1\n");  // ends with its last record
+}
+
+}  // namespace

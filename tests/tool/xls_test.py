@@ -1,0 +1,192 @@
+#!/usr/bin/env python3
+"""The converter program and vok_table over workbooks, from outside.
+
+Workbooks are made here, part by part (support/workbooks.py). Real ones, in the folder that VOK_REAL_FILES
+names, are compared cell by cell with what openpyxl and xlrd read; without the folder or these packages that
+is skipped. Which differences are right and why: docs/formats/xlsx.md and xls.md.
+"""
+import os
+import subprocess
+import sys
+import unittest
+import zipfile
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
+import real_workbooks  # noqa: E402
+from tool_cases import Case, CaseTest, Settings, cases, main, run_tool  # noqa: E402
+from workbooks import book, cell, sheet  # noqa: E402
+
+SIMPLE = sheet("<row><c t='str'><v>a</v></c><c t='str'><v>b</v></c></row><row><c><v>1</v></c><c><v>2</v></c></row>")
+AB = {"t.xlsx": book({"One": SIMPLE, "Два": sheet("<row><c><v>7</v></c></row>")})}
+DAMAGED = {"t.xlsx": b"PK\x03\x04 and nothing more"}
+NOT_CONVERTED = "cannot read t.xlsx"
+
+
+@cases(
+    Case("tables", ["tables", "t.xlsx"], "One\nДва\n", files=AB),
+    Case("fields", ["fields", "t.xlsx"], "a\ttext\nb\ttext\n", files=AB),
+    Case("head", ["head", "t.xlsx"], "a\tb\n1\t2\n", files=AB),
+    Case("cat", ["cat", "t.xlsx"], "a\tb\n1\t2\n", files=AB),
+    Case("count", ["count", "t.xlsx"], "1\n", files=AB),
+    Case("find", ["find", "t.xlsx", "--where", "a=1", "--show", "b"], "2\n", files=AB),
+    Case("a sheet by its name", ["cat", "t.xlsx", "--table", "Два", "--header-row", "none"], "field_0\n7\n",
+         files=AB),
+    Case("convert", ["convert", "t.xlsx", "out.csv"], files=AB,
+         leaves={**AB, "out.csv": b"a;b\r\n1;2\r\n"}),
+    Case("a macro workbook", ["head", "t.xlsm"], "a\tb\n1\t2\n", files={"t.xlsm": AB["t.xlsx"]}),
+    Case("an unknown sheet", ["head", "t.xlsx", "--table", "Three"], "", [NOT_CONVERTED, '"Three"'], 3, AB),
+    Case("tables of a damaged workbook", ["tables", "t.xlsx"], "", [NOT_CONVERTED], 3, DAMAGED),
+    Case("head of a damaged workbook", ["head", "t.xlsx"], "", [NOT_CONVERTED], 3, DAMAGED),
+    Case("fields of a damaged workbook", ["fields", "t.xlsx"], "", [NOT_CONVERTED], 3, DAMAGED),
+    Case("a renamed text file", ["head", "t.xlsx"], "", [NOT_CONVERTED], 3, {"t.xlsx": "a;b\n1;2\n"}),
+)
+class TestTool(CaseTest):
+    pass
+
+
+class ConverterTest(unittest.TestCase):
+    """Runs the converter itself, which stands beside the tool."""
+
+    def setUp(self):
+        case = CaseTest()
+        case.setUp()
+        self.addCleanup(case.doCleanups)
+        self.files = case
+        os.mkdir(case.path("out"))
+
+    def convert(self, *switches, source="t.xlsx", folder="out/"):
+        program = os.path.join(os.path.dirname(Settings.tool[-1]), "vok_xls2csv.exe")
+        return subprocess.run([*Settings.tool[:-1], program, source, "-destFolder", *folder.split(" "), *switches],
+                              cwd=self.files.folder, stdin=subprocess.DEVNULL, capture_output=True, check=False)
+
+    def outputs(self):
+        return {name: content for name, content in self.files.content().items() if name.startswith("out")}
+
+    def expect(self, files, run, code=0, error=""):
+        self.assertEqual({name: content.decode() for name, content in self.outputs().items()}, files)
+        self.assertEqual(run.returncode, code, run.stderr)
+        self.assertEqual(run.stdout, b"")
+        if error:
+            self.assertIn(error, run.stderr.decode())
+        else:
+            self.assertEqual(run.stderr, b"")
+
+
+class TestConverter(ConverterTest):
+    def test_sheet(self):
+        self.files.write(AB)
+        self.expect({"out/t.csv": "a$b\n1$2\n"}, self.convert("-copyMerged", "-delimiter", "$"))
+
+    def test_list_of_sheets(self):
+        self.files.write(AB)
+        self.expect({"out/t_tabList.csv": "One$Два\n"}, self.convert("-tablelist", "-delimiter", "$"))
+
+    def test_named_sheet(self):
+        self.files.write(AB)
+        self.expect({"out/t.csv": "7\n"}, self.convert("-delimiter", "$", "-table", "Два"))
+
+    def test_header_row(self):
+        self.files.write(AB)
+        self.expect({"out/t.csv": "1$2\n"}, self.convert("-delimiter", "$", "-headers", "1"))
+
+    def test_folder_with_a_blank_without_quotes(self):
+        self.files.write(AB)
+        os.mkdir(self.files.path("out my"))
+        self.expect({"out my/t.csv": "a$b\n1$2\n"}, self.convert("-delimiter", "$", folder="out my/"))
+
+    def test_help(self):
+        program = os.path.join(os.path.dirname(Settings.tool[-1]), "vok_xls2csv.exe")
+        run = subprocess.run([*Settings.tool[:-1], program, "-help"], capture_output=True, check=False)
+        self.assertIn(b"-copyMerged", run.stdout)
+        self.assertEqual(run.returncode, 0)
+
+    def test_wrong_usage(self):
+        self.expect({}, self.convert("-copyMerged", "-surprise"), 2, "-surprise")
+
+    def test_missing_source(self):
+        self.expect({}, self.convert(), 1, "it cannot be opened")
+
+    def test_failure_leaves_no_file_and_removes_a_stale_one(self):
+        self.files.write({**DAMAGED, "out/t.csv": "stale\n"})
+        self.expect({}, self.convert("-delimiter", "$"), 1, "damaged")
+
+    def test_folder_that_is_missing(self):
+        self.files.write(AB)
+        self.expect({}, self.convert(folder="gone/"), 1, "could not be written")
+
+    def test_source_that_would_be_replaced(self):
+        self.files.write({"out/t.csv": AB["t.xlsx"]})
+        run = self.convert(source="out/t.csv")
+        self.assertEqual((run.returncode, self.outputs()), (1, {"out/t.csv": AB["t.xlsx"]}))
+
+    def test_inflating_without_end(self):
+        """A member that says it is small and inflates to 1.1 GiB of blanks."""
+        self.files.write(AB)
+        path = self.files.path("t.xlsx")
+        with zipfile.ZipFile(path, "a", zipfile.ZIP_DEFLATED) as archive:
+            with archive.open("xl/worksheets/sheet1.xml", "w", force_zip64=True) as part:
+                part.write(b"<worksheet>")
+                block = b" " * (1 << 20)
+                for _ in range(1100):
+                    part.write(block)
+                part.write(b"</worksheet>")
+        self.expect({}, self.convert("-delimiter", "$"), 1, "inflates to more than 100 times its size")
+
+    def test_bomb_of_entities(self):
+        levels = "".join(f'<!ENTITY e{i} "{f"&e{i - 1};" * 10 if i else "ha"}">' for i in range(12))
+        part = f"<!DOCTYPE worksheet [{levels}]><worksheet><sheetData>" + cell("A1", "&e11;", "str") + \
+            "</sheetData></worksheet>"
+        self.files.write({"t.xlsx": book({"S": part})})
+        self.expect({}, self.convert("-delimiter", "$"), 1, "declares entities")
+
+    def test_one_cell_in_the_last_corner(self):
+        self.files.write({"t.xlsx": book({"S": sheet(f'<row r="1048576">{cell("XFD1048576", "1")}</row>')})})
+        self.expect({}, self.convert("-delimiter", "$"), 1, "it is no table")
+
+    def test_a_sparse_column_to_the_last_row(self):
+        self.files.write({"t.xlsx": book({"S": sheet(f'<row r="1048576">{cell("B1048576", "1")}</row>')})})
+        self.expect({"out/t.csv": "$\n" * 1048575 + "$1\n"}, self.convert("-delimiter", "$"))
+
+
+class TestRealFiles(ConverterTest):
+    def compare(self, kind):
+        files = real_workbooks.files(kind)
+        if not files:
+            self.skipTest("VOK_REAL_FILES names no folder with files, or the package to compare with is missing")
+        # Every program start takes its time under Wine.
+        for path in files[::8] if Settings.is_windows() else files:
+            with self.subTest(os.path.basename(path)):
+                self.compare_file(kind, path)
+
+    def compare_file(self, kind, path):
+        expected = real_workbooks.expected_sheets(kind, path)
+        if expected is None:
+            return  # the other package cannot read it
+        for name, cells in expected.items():
+            run = self.convert("-delimiter", "$", "-table", name, source=path)
+            if run.returncode != 0 and real_workbooks.is_refused(os.path.basename(path)):
+                self.assertEqual(self.outputs(), {})
+                continue
+            self.assertEqual(run.returncode, 0, run.stderr)
+            ((written, output),) = self.outputs().items()
+            os.remove(self.files.path(written))
+            self.assertEqual(real_workbooks.differences(cells, output.decode()), [], name)
+
+    def test_xlsx_as_openpyxl(self):
+        self.compare("xlsx")
+
+    def test_xls_as_xlrd(self):
+        self.compare("xls")
+
+
+def use_the_systems_python():
+    """Packages of the system belong to its own Python, which need not be the first one in the path."""
+    system = "/usr/bin/python3"
+    if not real_workbooks.HAS_PACKAGES and os.path.exists(system) and not os.path.samefile(system, sys.executable):
+        os.execv(system, [system, *sys.argv])
+
+
+if __name__ == "__main__":
+    use_the_systems_python()
+    main()
