@@ -119,6 +119,25 @@ class Conversion(CaseTest):
             self.assertIn("row 1, field \"A\": " + reason, run.err)
             self.assertEqual(self.cat(), f"A\n{stored}\n")
 
+    def test_a_name_that_another_one_becomes(self):
+        for names, stored in (("A B;A_B", "A_B|A_B_1"), ("1A;_1A", "_1A|_1A_1")):
+            run = self.convert(names + "\n1;2\n", "--force")
+            self.assertEqual(run.code, 1)
+            self.assertIn("warning: 2 values will not be read back unchanged", run.err)
+            self.assertIn("is too much like it", run.err)
+            self.assertEqual("|".join(field.split()[0] for field in self.fields()), stored)
+
+    def test_numbers_at_the_edge_of_their_field(self):
+        rounded, asterisks = "is rounded to 1 decimal", "does not fit, and becomes asterisks"
+        for number, problem, stored in (("9.9", None, "9.9"), ("9.90", None, "9.9"), ("-0.5", None, "-.5"),
+                                        ("9.94", rounded, "9.9"), ("9.95", asterisks, ""),
+                                        ("0.96", rounded, "1.0"), ("-0.96", asterisks, ""),
+                                        ("-0.04", rounded, "0.0"), ("10", asterisks, ""), ("-1", asterisks, "")):
+            with self.subTest(number):
+                run = self.convert(f"A\n{number}\n", "--force", "--fields", "A=N3.1")
+                self.assertEqual((run.code, self.cat()), (1 if problem else 0, f"A\n{stored}\n"))
+                self.assertIn(problem or "", run.err)
+
     def test_too_many_fields(self):
         names = ";".join(f"F{i}" for i in range(2047))
         run = self.convert(names + "\n")
