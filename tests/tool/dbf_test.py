@@ -68,6 +68,14 @@ class Conversion(CaseTest):
         self.assertEqual(self.content()["out.dbf"][29], 0x65)
         self.assertEqual(self.cat("--system-encoding", "CP866"), "A\nЖила\n")
 
+    def test_a_code_page_file_that_cannot_be_replaced(self):
+        self.write({"t.csv": "A\nЖила\n"})
+        os.mkdir(self.path("out.cpg"))
+        run = run_tool("convert", "t.csv", "out.dbf", "--system-encoding", "UTF-8", cwd=self.folder)
+        self.assertEqual(run.code, 5)
+        self.assertIn("out.dbf was written, but the .cpg file beside it", run.err)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["out.cpg", "out.dbf", "t.csv"])
+
     def test_fields_may_be_named(self):
         run = self.convert(WELLS, "--fields", "DEPTH=N10.2, WELL=c20,DAY=C10")
         self.assertEqual((run.code, run.err), (0, ""))
