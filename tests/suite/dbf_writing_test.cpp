@@ -346,6 +346,38 @@ TEST(dbfNames, bytesBehindTheNameBecomeZero) {
   vo_dbf_make_correct_names(nullptr, 1);
 }
 
+// ---- the date -----------------------------------------------------------------------------------
+
+// Keeps what it is given in memory, and forgets the date that was there when the table was created.
+class memoryOutput final : public fileDbf::tableOutput {
+ public:
+  explicit memoryOutput(std::string& bytes) : bytes_(bytes) {}
+
+  bool write(std::uint64_t at, const char* bytes, std::size_t size) override {
+    const bool isHeader = bytes_.empty();
+    bytes_.resize(std::max(bytes_.size(), static_cast<std::size_t>(at) + size));
+    bytes_.replace(static_cast<std::size_t>(at), size, bytes, size);
+    if (isHeader) bytes_.replace(1, 3, 3, '\0');
+    return true;
+  }
+
+ private:
+  std::string& bytes_;
+};
+
+TEST(dbfDate, isThatOfTheClose) {
+  const dbfFieldDef field = fieldOf("A", 'C', 3);
+  std::string bytes;
+  {
+    fileDbf::tableTarget target(std::make_unique<memoryOutput>(bytes),
+                                *fileDbf::writableFields(&field, 1), 1251);
+    ASSERT_TRUE(target.addRecords(1));
+  }
+  ASSERT_EQ(bytes.size(), 32u + 32 + 1 + 4 + 1);
+  EXPECT_GE(bytes[1], 124) << "the year since 1900";
+  EXPECT_TRUE(bytes[2] >= 1 && bytes[2] <= 12 && bytes[3] >= 1 && bytes[3] <= 31);
+}
+
 // ---- a disk that does not take everything --------------------------------------------------------
 
 // Hands on writes to a file until the n-th, of which half arrives; that one and all later ones fail.
