@@ -144,18 +144,18 @@ class conversion {
     const csvLimits limits(options_.delimiter);
     std::uint64_t size = 0;
     std::vector<std::wstring> row;
-    const auto examine = [&](std::string_view place) {
+    const auto examine = [&](std::string_view place, auto problem) {
       size += limits.lineSize(row);
       for (std::size_t field = 0; field < row.size(); ++field)
-        if (const auto reason = limits.problem(row[field]))
+        if (const auto reason = (limits.*problem)(row[field]))
           losses_.add(place, reader_.fieldName(field), *reason);
     };
     reader_.fieldList(row);
-    examine("the header");
+    examine("the header", &csvLimits::nameProblem);
     for (std::size_t number = 0; number < reader_.count(); ++number) {
       reader_.getRow(number, row);
       const std::string place = fmt::format("row {}", grouped(number + 1));
-      examine(place);
+      examine(place, &csvLimits::problem);
       if (std::all_of(row.begin(), row.end(), [](const auto& value) { return value.empty(); }))
         losses_.add(place, "holds empty values only, and is skipped when it is read");
     }

@@ -24,7 +24,10 @@ class csvLimits {
   /// Why a text holds a character that no line can hold; nothing when there is none.
   std::optional<std::string> characterProblem(std::wstring_view text) const;
 
-  /// Why a value would not come back as it is; nothing when it would.
+  /// Why a field's name would not come back as it is; nothing when it would.
+  std::optional<std::string> nameProblem(std::wstring_view name) const;
+
+  /// The same of a value, which loses the blanks around it.
   std::optional<std::string> problem(std::wstring_view value) const;
 
   /// Bytes that the writer makes of a row, its line end included; 0 for a row without values.

@@ -159,6 +159,17 @@ class Conversion(CaseTest):
         self.assertEqual((run.code, run.err), (0, ""))
         self.assertEqual(self.content()["again.dbf"], self.content()["out.dbf"])
 
+    def test_blanks_that_delimited_text_loses(self):
+        head = bytes([3, 124, 1, 1, 2, 0, 0, 0, 65, 0, 5, 0]) + bytes(20)
+        field = b"A" + bytes(10) + b"C" + bytes(4) + bytes([4]) + bytes(15)
+        self.write({"in.dbf": head + field + b"\r  x   y\t  \x1a"})
+        run = run_tool("convert", "in.dbf", "out.csv", *PAGE, cwd=self.folder)
+        self.assertEqual(run.code, 1)
+        self.assertIn("2 values will not be read back unchanged", run.err)
+        self.assertIn('row 1, field "A": begins or ends with a blank', run.err)
+        run = run_tool("convert", "in.dbf", "strict.csv", *PAGE, "--strict", cwd=self.folder)
+        self.assertEqual(run.code, 5)
+
     def test_a_code_page_that_no_system_has(self):
         for name in ("UTF-16", "KOI8", ""):
             run = run_tool("cat", "t.csv", "--system-encoding", name, cwd=self.folder)
