@@ -3,11 +3,13 @@
 // table.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "platform/vok_basic.h"
 #include "table_rw/core/tableReader.h"
 #include "table_rw/writers/tableWriter.h"
 #include "tests/support/tableText.h"
@@ -80,9 +82,13 @@ const std::vector<table>& tables() {
 struct changes {
   bool trimsValues = false;
   bool leavesOutEmptyRows = false;
+  bool takesBlanksOffTheEnd = false;
+  bool makesNamesLatin = false;
+  std::size_t mostBytes = 0;  // of a value; 0: any number
 };
 
 constexpr changes delimitedText{.trimsValues = true, .leavesOutEmptyRows = true};
+constexpr changes dbfTable{.takesBlanksOffTheEnd = true, .makesNamesLatin = true, .mostBytes = 254};
 
 struct lane {
   const char* name;
@@ -91,10 +97,13 @@ struct lane {
   std::int32_t encoding;
   const wchar_t* delimiter;
   changes made;
+  unsigned systemPage = 0;  // of the run; 0: the system's own
 };
 
 constexpr std::int32_t cp1251 = 8;
+constexpr std::int32_t anyEncoding = 0;
 
+// clang-format off
 const lane lanes[] = {
     lane{"CSV by its extension",          L"t.csv",     0, cp1251, L";",            delimitedText},
     lane{"CSV by its content",            L"t.txt",     0, cp1251, L";",            delimitedText},
@@ -103,7 +112,11 @@ const lane lanes[] = {
     lane{"CSV with a vertical bar",       L"t.csv",     0, cp1251, L"|",            delimitedText},
     lane{"CSV with a long delimiter",     L"t.csv",     0, cp1251, L" <> ",         delimitedText},
     lane{"CSV with a Cyrillic delimiter", L"t.csv",     0, cp1251, L"\u042A\u042A", delimitedText},
+    lane{"DBF by its extension",          L"t.dbf",     0, anyEncoding, L"",        dbfTable, 1251},
+    lane{"DBF by its number",             L"t.dbf",     tableRW::fileTypeDbf, anyEncoding, L"", dbfTable, 1251},
+    lane{"DBF in UTF 8",                  L"t.dbf",     0, anyEncoding, L"",        dbfTable, 65001},
 };
+// clang-format on
 
 std::wstring withoutBlanksAround(const std::wstring& value) {
   const std::size_t first = value.find_first_not_of(L" \t");
@@ -117,14 +130,49 @@ bool isEmpty(const textRow& values) {
   return true;
 }
 
-tableContent expectedOf(const table& written, const changes& made) {
+std::wstring withoutBlanksBehind(const std::wstring& value) {
+  return value.substr(0, value.find_last_not_of(L' ') + 1);
+}
+
+std::size_t bytesOf(wchar_t character, unsigned systemPage) {
+  if (systemPage != 65001 || character < 0x80) return 1;
+  return character < 0x800 ? 2 : 3;
+}
+
+std::wstring cut(const std::wstring& value, std::size_t mostBytes, unsigned systemPage) {
+  std::size_t size = 0;
+  std::size_t length = 0;
+  for (; length < value.size(); ++length) {
+    size += bytesOf(value[length], systemPage);
+    if (size > mostBytes) break;
+  }
+  return value.substr(0, length);
+}
+
+std::wstring latinName(const std::wstring& name) {
+  std::wstring latin;
+  Tvo_std_wstring_adapter receiver(latin);
+  vo_string_adp* const adapter = vo_string_adp_create(&receiver);
+  vo_translit(name.c_str(), adapter);
+  vo_string_adp_destroy(adapter);
+  std::replace(latin.begin(), latin.end(), L' ', L'_');
+  return latin;
+}
+
+tableContent expectedOf(const table& written, const lane& way) {
+  const changes& made = way.made;
   tableContent content;
-  content.fields = written.fields;
+  for (const std::wstring& name : written.fields)
+    content.fields.push_back(made.makesNamesLatin ? latinName(name) : name);
   content.types.assign(written.fields.size(), tableRW::fldText);
   for (textRow values : written.rows) {
     if (made.leavesOutEmptyRows && isEmpty(values)) continue;  // blanks do not count as empty
     if (made.trimsValues)
       for (std::wstring& value : values) value = withoutBlanksAround(value);
+    if (made.mostBytes != 0)
+      for (std::wstring& value : values) value = cut(value, made.mostBytes, way.systemPage);
+    if (made.takesBlanksOffTheEnd)
+      for (std::wstring& value : values) value = withoutBlanksBehind(value);
     content.rows.push_back(std::move(values));
   }
   content.ok = true;
@@ -135,7 +183,9 @@ void write(const table& source, const lane& way, const std::wstring& path) {
   tableRW::tableWriterOptions options;
   options.fileName = path;
   options.delimiter = way.delimiter;
-  for (const std::wstring& name : source.fields) options.fields.push_back({name});
+  for (const std::wstring& name : source.fields)
+    options.fields.push_back(
+        {name, tableRW::fldText, static_cast<std::int32_t>(way.made.mostBytes)});
   tableWriter* writer = tableWriter::open(options);
   ASSERT_NE(writer, nullptr);
   std::size_t refused = 0;
@@ -156,7 +206,11 @@ tableContent readBack(const lane& way, const std::wstring& path) {
   return content;
 }
 
-class roundtrip : public testing::TestWithParam<lane> {};
+class roundtrip : public testing::TestWithParam<lane> {
+ protected:
+  void SetUp() override { ASSERT_EQ(vo_options_set_system_code_page(GetParam().systemPage), 1); }
+  void TearDown() override { vo_options_set_system_code_page(0); }
+};
 
 TEST_P(roundtrip, everyTable) {
   const lane& way = GetParam();
@@ -165,7 +219,7 @@ TEST_P(roundtrip, everyTable) {
   for (const table& source : tables()) {
     SCOPED_TRACE(std::string(way.name) + ", table: " + source.name);
     ASSERT_NO_FATAL_FAILURE(write(source, way, path));
-    const tableContent expected = expectedOf(source, way.made);
+    const tableContent expected = expectedOf(source, way);
     const tableContent content = readBack(way, path);
     EXPECT_TRUE(content == expected) << "written " << shortened(describe(expected)) << "\nread    "
                                      << shortened(describe(content));

@@ -97,6 +97,13 @@ class conversion {
                       request_.target));
       return exitCode::writeFailed;
     }
+    if (!file.finishCodePage()) {
+      messages_.error(fmt::format(
+          "{} was written, but the .cpg file beside it, which tells its code page, could not be "
+          "replaced: check its permissions",
+          request_.target));
+      return exitCode::writeFailed;
+    }
     if (losses_.count == 0) return exitCode::clean;
     messages_.warning(fmt::format("{} will not be read back unchanged from {}:",
                                   counted(losses_.count, "value"), request_.target));

@@ -15,6 +15,8 @@ constexpr std::wstring_view lineEnd = L"\r\n";
 constexpr wchar_t endOfText = L'\x1A';
 constexpr wchar_t quotationMark = L'"';
 
+bool isBlank(wchar_t c) { return c == L' ' || c == L'\t' || c == L'\v' || c == L'\f'; }
+
 }  // namespace
 
 csvLimits::csvLimits(std::wstring delimiter)
@@ -33,11 +35,19 @@ std::optional<std::string> csvLimits::characterProblem(std::wstring_view text) c
   return std::nullopt;
 }
 
-std::optional<std::string> csvLimits::problem(std::size_t, std::wstring_view value) const {
-  if (auto reason = characterProblem(value)) return reason;
-  if (isCutAtDelimiter(value)) return "holds the delimiter";
-  if (!value.empty() && (value.front() == quotationMark || value.back() == quotationMark))
+std::optional<std::string> csvLimits::nameProblem(std::size_t,
+                                                  std::wstring_view name) const {
+  if (auto reason = characterProblem(name)) return reason;
+  if (isCutAtDelimiter(name)) return "holds the delimiter";
+  if (!name.empty() && (name.front() == quotationMark || name.back() == quotationMark))
     return "begins or ends with a quotation mark, which is taken away when it is read";
+  return std::nullopt;
+}
+
+std::optional<std::string> csvLimits::problem(std::size_t field, std::wstring_view value) const {
+  if (auto reason = nameProblem(field, value)) return reason;
+  if (!value.empty() && (isBlank(value.front()) || isBlank(value.back())))
+    return "begins or ends with a blank, which is taken away when it is read";
   return std::nullopt;
 }
 

@@ -25,6 +25,8 @@ class csvLimits : public targetLimits {
   /// Why a text holds a character that no line can hold; nothing when there is none.
   std::optional<std::string> characterProblem(std::wstring_view text) const;
 
+  std::optional<std::string> nameProblem(std::size_t field, std::wstring_view name) const override;
+  /// A value also loses the blanks around it.
   std::optional<std::string> problem(std::size_t field, std::wstring_view value) const override;
   std::optional<std::string> rowProblem(const std::vector<std::wstring>& row) const override;
   /// The line end included; 0 for a row without values.

@@ -123,6 +123,46 @@ std::string inCapitals(std::string text) {
   return text;
 }
 
+bool isPlainInName(char c) {
+  return isDigit(static_cast<wchar_t>(c)) || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+         c == '_';
+}
+
+/// A transliterated name as the library makes it valid, in capitals: names of which these are equal are made
+/// distinct.
+std::string validName(std::string latin, std::size_t field) {
+  latin.resize(std::min(latin.size(), longestName));
+  latin.erase(latin.find_last_not_of(' ') + 1);
+  latin.erase(0, std::min(latin.find_first_not_of(' '), latin.size()));
+  if (latin.empty()) return fmt::format("FIELD{}", field + 1);
+  for (char& c : latin)
+    if (!isPlainInName(c)) c = '_';
+  if (isDigit(static_cast<wchar_t>(latin.front()))) latin.insert(0, 1, '_');
+  return inCapitals(latin.substr(0, longestName));
+}
+
+bool consistsOf(std::wstring_view text, wchar_t digit) {
+  return text.find_first_not_of(digit) == std::wstring_view::npos;
+}
+
+/// Characters that a plain number takes in a field of so many decimals, rounded half away from zero. The
+/// zero in front of the point needs no room.
+std::size_t widthOf(std::wstring_view number, std::size_t decimals) {
+  const bool negative = number.front() == L'-';
+  if (negative) number.remove_prefix(1);
+  const std::wstring_view whole = number.substr(0, number.find(L'.'));
+  const std::wstring_view fraction = number.substr(std::min(whole.size() + 1, number.size()));
+  const std::wstring_view kept = fraction.substr(0, decimals);
+  const bool up = fraction.size() > decimals && fraction[decimals] >= L'5';
+  const bool carries = up && consistsOf(kept, L'9');
+  const bool isBelowOne = whole == L"0";
+  std::size_t digits = isBelowOne ? 0 : whole.size();
+  if (carries && (isBelowOne || consistsOf(whole, L'9'))) ++digits;
+  const bool isZero = isBelowOne && !up && consistsOf(kept, L'0');
+  if (digits == 0 && decimals == 0) digits = 1;
+  return (negative && !isZero ? 1 : 0) + digits + (decimals > 0 ? decimals + 1 : 0);
+}
+
 bool parseSmall(std::string_view text, std::int32_t& number) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   return error == std::errc() && end == text.data() + text.size() && number >= 0;
@@ -216,13 +256,11 @@ std::optional<std::string> dbfPlan::nameProblem(std::size_t field, std::wstring_
   if (latin.empty()) return "has no name, and gets one";
   if (latin.size() > longestName)
     return fmt::format("the name is cut to {} characters", longestName);
-  const auto isPlain = [](char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
-  };
-  if (!std::all_of(latin.begin(), latin.end(), isPlain) || (latin[0] >= '0' && latin[0] <= '9'))
+  if (!std::all_of(latin.begin(), latin.end(), isPlainInName) ||
+      (latin[0] >= '0' && latin[0] <= '9'))
     return "the name is changed: it may hold letters, digits and _, and begins with no digit";
   for (std::size_t i = 0; i < field; ++i)
-    if (inCapitals(latinNames_[i].substr(0, longestName)) == inCapitals(latin))
+    if (validName(latinNames_[i], i) == inCapitals(latin))
       return fmt::format("the name is changed: {} is too much like it",
                          inQuotes(toUtf8(fields_[i].name)));
   return std::nullopt;
@@ -252,10 +290,11 @@ std::optional<std::string> dbfPlan::problem(std::size_t field, std::wstring_view
     return isDay(value) ? std::nullopt : std::optional<std::string>("is no day as YYYY-MM-DD");
   const auto number = parsePlain(value);
   if (!number) return "is no plain number";
-  if (number->decimals > target.decimals)
+  if (widthOf(value, target.decimals) > static_cast<std::size_t>(target.width))
+    return "does not fit, and becomes asterisks";
+  if (number->decimals > target.decimals &&
+      !consistsOf(value.substr(value.find(L'.') + 1 + target.decimals), L'0'))
     return fmt::format("is rounded to {}", counted(target.decimals, "decimal"));
-  const std::int32_t room = target.width - (target.decimals > 0 ? target.decimals + 1 : 0);
-  if (number->whole > room) return "does not fit, and becomes asterisks";
   return std::nullopt;
 }
 

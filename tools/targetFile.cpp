@@ -27,14 +27,13 @@ targetFile::targetFile(const std::wstring& target) : target_(target) {
 }
 
 targetFile::~targetFile() {
-  if (isFinished_) return;
-  platform::removeFile(temporaryPath_);
+  if (!isFinished_) platform::removeFile(temporaryPath_);
   if (isWrittenAsDbf(target_)) platform::removeFile(codePageFileOf(temporaryPath_));
 }
 
 bool targetFile::finish() {
   isFinished_ = platform::replaceFile(temporaryPath_, target_);
-  return isFinished_ && finishCodePage();
+  return isFinished_;
 }
 
 bool targetFile::finishCodePage() const {

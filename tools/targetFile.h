@@ -24,9 +24,11 @@ class targetFile {
   /// Takes the target's name; what had it before is replaced. @return false when that fails
   bool finish();
 
- private:
+  /// After finish: the file beside a DBF file takes its name too, and one of an older table goes away.
+  /// @return false when that fails
   bool finishCodePage() const;
 
+ private:
   std::wstring target_;
   std::wstring temporaryPath_;
   bool isFinished_ = false;

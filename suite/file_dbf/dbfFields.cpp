@@ -32,7 +32,7 @@ constexpr int memoCode = 5;
 constexpr bool anyLevel = true;
 constexpr struct {
   char type;
-  std::size_t length;
+  std::uint8_t length;
   bool everywhere;  // else on one level alone
   fileLevel level;
   fieldKind kind;

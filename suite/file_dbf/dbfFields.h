@@ -42,7 +42,7 @@ struct tableField {
 };
 
 /// What decides the meaning of a letter beside its field's length.
-enum class fileLevel { dbase, dbase7, visualFoxPro };
+enum class fileLevel : std::uint8_t { dbase, dbase7, visualFoxPro };
 
 fieldKind kindOf(char type, std::size_t length, fileLevel level);
 

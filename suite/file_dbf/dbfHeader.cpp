@@ -110,6 +110,18 @@ void skipUncountedBacklink(platform::binaryFile& file, std::size_t descriptors,
   header.recordsAt = listed + backlinkSize;
 }
 
+// WHY: a value of a field without length takes nothing in the file, but something in memory: records of one
+// byte with 2,046 such fields would fill any.
+bool hasTooManyEmptyFields(const tableHeader& header, std::uint64_t fileSize) {
+  constexpr std::uint64_t valuesForEachByte = 4;
+  constexpr std::uint64_t alwaysAllowed = std::uint64_t{1} << 20;
+  const auto empty = static_cast<std::uint64_t>(
+      std::count_if(header.fields.begin(), header.fields.end(),
+                    [](const tableField& field) { return field.length == 0; }));
+  const std::uint64_t records = (fileSize - header.recordsAt) / header.recordLength;
+  return records * empty > valuesForEachByte * fileSize + alwaysAllowed;
+}
+
 bool readDbase2(platform::binaryFile& file, tableHeader& header) {
   std::string bytes;
   if (!readBytes(file, recordsAt2, bytes)) return false;
@@ -161,7 +173,9 @@ std::optional<tableHeader> readHeader(platform::binaryFile& file) {
   header.version = static_cast<unsigned char>(version);
   const bool sound =
       header.version == versionDbase2 ? readDbase2(file, header) : readLater(file, header);
-  return sound ? std::optional(std::move(header)) : std::nullopt;
+  const std::uint64_t size = file.size();
+  if (!sound || size < header.recordsAt || hasTooManyEmptyFields(header, size)) return std::nullopt;
+  return header;
 }
 
 }  // namespace fileDbf

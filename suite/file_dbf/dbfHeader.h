@@ -1,7 +1,8 @@
 // The header of a table: which version it is, which fields it has and where its records begin.
 //
 // Accepted is what describes a file that can be: a header that lies in the file whole, records of at least
-// one byte, fields that fit into a record. Everything else is no table. Real files end the list of
+// one byte, fields that fit into a record, not millions of values without any bytes. Everything else is no
+// table. Real files end the list of
 // descriptors with 0D, with 00, with 0A or not at all; the header's length bounds it then.
 #ifndef VOK_SUITE_FILE_DBF_DBFHEADER_H
 #define VOK_SUITE_FILE_DBF_DBFHEADER_H

@@ -18,7 +18,8 @@ namespace fileDbf {
 // --- the header ---
 inline constexpr std::size_t headerSize = 32;
 inline constexpr std::size_t versionAt = 0;
-inline constexpr std::size_t dateAt = 1;  // three bytes: year since 1900, month, day
+inline constexpr std::size_t dateAt = 1;  // year since 1900, month, day
+inline constexpr std::size_t dateSize = 3;
 inline constexpr std::size_t recordCountAt = 4;
 inline constexpr std::size_t headerLengthAt = 8;
 inline constexpr std::size_t recordLengthAt = 10;

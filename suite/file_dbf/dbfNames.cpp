@@ -41,7 +41,7 @@ std::string numberedName(const std::string& name, const std::set<std::string>& t
                          std::uint32_t& number) {
   while (true) {
     const std::string tail = "_" + std::to_string(++number);
-    const std::string candidate = name.substr(0, longestName - tail.size()) + tail;
+    std::string candidate = name.substr(0, longestName - tail.size()) + tail;
     if (taken.count(inCapitals(candidate)) == 0) return candidate;
   }
 }

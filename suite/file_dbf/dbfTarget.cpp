@@ -30,6 +30,13 @@ std::size_t recordLengthOf(const std::vector<dbfFieldDef>& fields) {
   return length;
 }
 
+void storeToday(char* bytes) {
+  const platform::calendarDay date = platform::today();
+  storeLittle(bytes, static_cast<std::uint64_t>(date.year - firstYear), 1);
+  storeLittle(bytes + 1, static_cast<std::uint64_t>(date.month), 1);
+  storeLittle(bytes + 2, static_cast<std::uint64_t>(date.day), 1);
+}
+
 void writeDate(std::wstring_view text, char* to, std::size_t width) {
   std::string narrow;
   for (const wchar_t c : withoutBlanks(text))
@@ -96,10 +103,7 @@ std::vector<char> tableTarget::makeHeader(unsigned char languageDriver) const {
   std::vector<char> header(headerLength_);
   char* const bytes = header.data();
   bytes[versionAt] = static_cast<char>(versionDbase3);
-  const platform::calendarDay date = platform::today();
-  storeLittle(bytes + dateAt, static_cast<std::uint64_t>(date.year - firstYear), 1);
-  storeLittle(bytes + dateAt + 1, static_cast<std::uint64_t>(date.month), 1);
-  storeLittle(bytes + dateAt + 2, static_cast<std::uint64_t>(date.day), 1);
+  storeToday(bytes + dateAt);
   storeLittle(bytes + headerLengthAt, headerLength_, 2);
   storeLittle(bytes + recordLengthAt, recordLength_, 2);
   bytes[languageAt] = static_cast<char>(languageDriver);
@@ -179,7 +183,10 @@ void tableTarget::writeCount() {
 
 void tableTarget::finish() {
   flush();
-  if (!failed_) output_->write(positionOf(written_), &fileEnd, 1);
+  if (failed_ || !output_->write(positionOf(written_), &fileEnd, 1)) return;
+  char date[dateSize];
+  storeToday(date);  // a table may have been open for days
+  output_->write(dateAt, date, sizeof date);
 }
 
 }  // namespace fileDbf

@@ -15,9 +15,7 @@ bool hasOnlySingleBytes(unsigned codePage) {
 }
 
 bool isPair(const wchar_t* text) {
-  const auto first = static_cast<unsigned>(text[0]);
-  const auto second = static_cast<unsigned>(text[1]);
-  return (first & 0xFFFFFC00U) == 0xD800 && (second & 0xFFFFFC00U) == 0xDC00;
+  return text[0] >= 0xD800 && text[0] <= 0xDBFF && text[1] >= 0xDC00 && text[1] <= 0xDFFF;
 }
 
 std::size_t lengthUpTo(const wchar_t* text, std::size_t most) {

@@ -77,17 +77,29 @@ vo_dbf_value readLogical(const char* bytes) {
   }
 }
 
-template <class Number>
-vo_dbf_value showNumber(Number number, std::string& computed) {
-  char text[40];
-  const auto result = std::to_chars(std::begin(text), std::end(text), number);
-  computed.assign(text, result.ptr);
+vo_dbf_value showInteger(std::int32_t number, std::string& computed) {
+  computed = std::to_string(number);
   return shown(computed);
 }
 
+// The shortest digits that read back to the same number. WHY without an exponent wherever people write
+// none: 100000 is no shorter as 1e+05 for those who read it, and a field of digits does not hold that.
 vo_dbf_value showReal(std::uint64_t bits, std::string& computed) {
+  constexpr double smallestPlain = 1e-5;
+  constexpr double largestPlain = 1e16;
   const auto number = std::bit_cast<double>(bits);
-  return std::isfinite(number) ? showNumber(number, computed) : noValue;
+  if (!std::isfinite(number)) return noValue;
+  const double size = std::fabs(number);
+  char text[40];
+  char* end = text;
+  if (size == 0)
+    *end++ = '0';
+  else if (size >= smallestPlain && size < largestPlain)
+    end = std::to_chars(text, std::end(text), number, std::chars_format::fixed).ptr;
+  else
+    end = std::to_chars(text, std::end(text), number).ptr;
+  computed.assign(text, end);
+  return shown(computed);
 }
 
 // 10,000 times the amount, shown without zeros at the end.
@@ -134,7 +146,7 @@ vo_dbf_value readMillisecondTime(const char* bytes, std::string& computed) {
 vo_dbf_value readOrderedInteger(const char* bytes, std::string& computed) {
   const auto bits = static_cast<std::uint32_t>(loadBig(bytes, 4));
   if (bits == 0) return noValue;
-  return showNumber(static_cast<std::int32_t>(bits ^ 0x80000000U), computed);
+  return showInteger(static_cast<std::int32_t>(bits ^ 0x80000000U), computed);
 }
 
 vo_dbf_value readOrderedReal(const char* bytes, std::string& computed) {
@@ -198,7 +210,7 @@ vo_dbf_value readValue(const tableHeader& header, const tableField& field, const
     case fieldKind::noText:
       return noValue;
     case fieldKind::integer:
-      return showNumber(static_cast<std::int32_t>(loadLittle(bytes, 4)), computed);
+      return showInteger(static_cast<std::int32_t>(loadLittle(bytes, 4)), computed);
     case fieldKind::orderedInteger:
       return readOrderedInteger(bytes, computed);
     case fieldKind::real:

@@ -84,6 +84,8 @@ TEST_F(dbfReader, aDemoOfSomeRecords) {
   tableReader_dbf reader = readerOf(tenRecords());
   EXPECT_TRUE(reader.readDemo(3));
   EXPECT_EQ(describe(reader), "fields A:number  rows 0 / 1 / 2  ok");
+  EXPECT_TRUE(reader.read());
+  EXPECT_EQ(reader.count(), 10u) << "the limit does not outlive its read";
 }
 
 TEST_F(dbfReader, aDemoOfNothingIsTheWholeTable) {

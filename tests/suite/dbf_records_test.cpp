@@ -153,6 +153,18 @@ TEST(dbfRecords, aRecordLongerThanABlockHolds) {
     EXPECT_EQ(testSupport::valueOf(table.get(), 0, i), "r" + std::to_string(i));
 }
 
+// Values without bytes: some are allowed, and a small file that would fill the memory with them is none.
+TEST(dbfRecords, fieldsOfNoLengthAreNoBomb) {
+  const testSupport::temporaryFolder folder;
+  std::string fields = "F C0";
+  for (int i = 1; i < 2046; ++i) fields += ", F C0";
+  const std::string bytes = dbfBuilder(fields).tail(std::string(500, ' ')).bytes();
+  const ownedDbf table = openDbf(folder.write(L"t.dbf", bytes));
+  ASSERT_NE(table, nullptr);
+  EXPECT_EQ(vo_dbf_get_nr(table.get()), 500);
+  EXPECT_EQ(openDbf(folder.write(L"u.dbf", bytes + std::string(200000, ' '))), nullptr);
+}
+
 TEST(dbfRecords, whatIsNotThere) {
   const testSupport::temporaryFolder folder;
   const ownedDbf table = openDbf(folder.write(L"t.dbf", sample));

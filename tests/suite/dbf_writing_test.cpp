@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <utility>
@@ -259,6 +260,36 @@ TEST_F(dbfWriting, whatCannotBeCreated) {
   EXPECT_TRUE(create(path_, 1, 0, &good, 1));
 }
 
+// Records behind 2^32 bytes. Writing them takes some seconds and 4.4 GB, so it has to be asked for:
+// VOK_LARGE_FILES=1.
+TEST_F(dbfWriting, positionsHaveMoreThan32Bits) {
+  if (std::getenv("VOK_LARGE_FILES") == nullptr) GTEST_SKIP() << "VOK_LARGE_FILES is not set";
+  constexpr std::int32_t records = 4400000;
+  std::vector<dbfFieldDef> fields(3, fieldOf("TEXT", 'C', 250));
+  fields.push_back(fieldOf("LAST", 'C', 240));
+  fields.push_back(fieldOf("NUMBER", 'N', 9));
+  vo_dbf_make_correct_names(fields.data(), 5);
+  ownedDbf table = createDbf(path_, fields);
+  for (std::int32_t i = 0; i < records; ++i) {
+    ASSERT_EQ(vo_dbf_add_records(table.get(), 1), 1);
+    ASSERT_EQ(vo_dbf_set_str_w(table.get(), 4, i, std::to_wstring(i).c_str()), 1);
+  }
+  EXPECT_EQ(vo_dbf_set_str_w(table.get(), 0, records - 5000, L"late"), 1) << "in the file already";
+  table.reset();
+  platform::binaryFile file;
+  ASSERT_TRUE(file.openForReading(path_));
+  EXPECT_EQ(file.size(), 32u + 5 * 32 + 1 + std::uint64_t{1000} * records + 1);
+  file.close();
+  table = openDbf(path_);
+  for (std::int32_t i = 0; i < records; ++i) {
+    const vo_dbf_value* const values = vo_dbf_get_record(table.get(), i);
+    ASSERT_NE(values, nullptr) << i;
+    ASSERT_EQ(std::string(values[4].bytes, values[4].length), std::to_string(i));
+    ASSERT_EQ(values[0].length, i == records - 5000 ? 4u : 0u) << i;
+  }
+  EXPECT_EQ(vo_dbf_get_record(table.get(), records), nullptr);
+}
+
 // ---- names --------------------------------------------------------------------------------------
 
 struct namesRow {
@@ -313,6 +344,38 @@ TEST(dbfNames, bytesBehindTheNameBecomeZero) {
   vo_dbf_make_correct_names(&field, 1);
   EXPECT_EQ(std::string(field.name, 11), std::string("xxxxxxxxxx\0", 11));
   vo_dbf_make_correct_names(nullptr, 1);
+}
+
+// ---- the date -----------------------------------------------------------------------------------
+
+// Keeps what it is given in memory, and forgets the date that was there when the table was created.
+class memoryOutput final : public fileDbf::tableOutput {
+ public:
+  explicit memoryOutput(std::string& bytes) : bytes_(bytes) {}
+
+  bool write(std::uint64_t at, const char* bytes, std::size_t size) override {
+    const bool isHeader = bytes_.empty();
+    bytes_.resize(std::max(bytes_.size(), static_cast<std::size_t>(at) + size));
+    bytes_.replace(static_cast<std::size_t>(at), size, bytes, size);
+    if (isHeader) bytes_.replace(1, 3, 3, '\0');
+    return true;
+  }
+
+ private:
+  std::string& bytes_;
+};
+
+TEST(dbfDate, isThatOfTheClose) {
+  const dbfFieldDef field = fieldOf("A", 'C', 3);
+  std::string bytes;
+  {
+    fileDbf::tableTarget target(std::make_unique<memoryOutput>(bytes),
+                                *fileDbf::writableFields(&field, 1), 1251);
+    ASSERT_TRUE(target.addRecords(1));
+  }
+  ASSERT_EQ(bytes.size(), 32u + 32 + 1 + 4 + 1);
+  EXPECT_GE(bytes[1], 124) << "the year since 1900";
+  EXPECT_TRUE(bytes[2] >= 1 && bytes[2] <= 12 && bytes[3] >= 1 && bytes[3] <= 31);
 }
 
 // ---- a disk that does not take everything --------------------------------------------------------

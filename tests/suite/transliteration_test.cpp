@@ -40,6 +40,7 @@ const std::vector<row> rows = {
     row{"Kazakh",                                         "әғқңөұүһӘҒҚҢӨҰҮҺ",                                   "agqnouuhAGQNOUUH"},
     row{"Latin letters with marks",                       "éÈñÜçžŁğőỆ",                                              "eEnUczLgoE"      },
     row{"Latin letters that are two",                     "ßæŒÞ",                                                           "ssaeOETh"        },
+    row{"Latin letters with two marks",                   "ǢǽǾẛ",                                                          "AEaeOs"          },
     row{"a mark of its own belongs to the letter before", "e\u0301и\u0306",                                                    "ei"              },
     row{"other scripts and signs",                        "α№—中",                                                        "____"            },
     row{"one for a character beyond the BMP",             "a\U0001F600b",                                                       "a_b"             },

@@ -68,6 +68,14 @@ class Conversion(CaseTest):
         self.assertEqual(self.content()["out.dbf"][29], 0x65)
         self.assertEqual(self.cat("--system-encoding", "CP866"), "A\nЖила\n")
 
+    def test_a_code_page_file_that_cannot_be_replaced(self):
+        self.write({"t.csv": "A\nЖила\n"})
+        os.mkdir(self.path("out.cpg"))
+        run = run_tool("convert", "t.csv", "out.dbf", "--system-encoding", "UTF-8", cwd=self.folder)
+        self.assertEqual(run.code, 5)
+        self.assertIn("out.dbf was written, but the .cpg file beside it", run.err)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["out.cpg", "out.dbf", "t.csv"])
+
     def test_fields_may_be_named(self):
         run = self.convert(WELLS, "--fields", "DEPTH=N10.2, WELL=c20,DAY=C10")
         self.assertEqual((run.code, run.err), (0, ""))
@@ -119,6 +127,25 @@ class Conversion(CaseTest):
             self.assertIn("row 1, field \"A\": " + reason, run.err)
             self.assertEqual(self.cat(), f"A\n{stored}\n")
 
+    def test_a_name_that_another_one_becomes(self):
+        for names, stored in (("A B;A_B", "A_B|A_B_1"), ("1A;_1A", "_1A|_1A_1")):
+            run = self.convert(names + "\n1;2\n", "--force")
+            self.assertEqual(run.code, 1)
+            self.assertIn("warning: 2 values will not be read back unchanged", run.err)
+            self.assertIn("is too much like it", run.err)
+            self.assertEqual("|".join(field.split()[0] for field in self.fields()), stored)
+
+    def test_numbers_at_the_edge_of_their_field(self):
+        rounded, asterisks = "is rounded to 1 decimal", "does not fit, and becomes asterisks"
+        for number, problem, stored in (("9.9", None, "9.9"), ("9.90", None, "9.9"), ("-0.5", None, "-.5"),
+                                        ("9.94", rounded, "9.9"), ("9.95", asterisks, ""),
+                                        ("0.96", rounded, "1.0"), ("-0.96", asterisks, ""),
+                                        ("-0.04", rounded, "0.0"), ("10", asterisks, ""), ("-1", asterisks, "")):
+            with self.subTest(number):
+                run = self.convert(f"A\n{number}\n", "--force", "--fields", "A=N3.1")
+                self.assertEqual((run.code, self.cat()), (1 if problem else 0, f"A\n{stored}\n"))
+                self.assertIn(problem or "", run.err)
+
     def test_too_many_fields(self):
         names = ";".join(f"F{i}" for i in range(2047))
         run = self.convert(names + "\n")
@@ -131,6 +158,17 @@ class Conversion(CaseTest):
         run = run_tool("convert", "out.dbf", "again.dbf", *PAGE, "--strict", cwd=self.folder)
         self.assertEqual((run.code, run.err), (0, ""))
         self.assertEqual(self.content()["again.dbf"], self.content()["out.dbf"])
+
+    def test_blanks_that_delimited_text_loses(self):
+        head = bytes([3, 124, 1, 1, 2, 0, 0, 0, 65, 0, 5, 0]) + bytes(20)
+        field = b"A" + bytes(10) + b"C" + bytes(4) + bytes([4]) + bytes(15)
+        self.write({"in.dbf": head + field + b"\r  x   y\t  \x1a"})
+        run = run_tool("convert", "in.dbf", "out.csv", *PAGE, cwd=self.folder)
+        self.assertEqual(run.code, 1)
+        self.assertIn("2 values will not be read back unchanged", run.err)
+        self.assertIn('row 1, field "A": begins or ends with a blank', run.err)
+        run = run_tool("convert", "in.dbf", "strict.csv", *PAGE, "--strict", cwd=self.folder)
+        self.assertEqual(run.code, 5)
 
     def test_a_code_page_that_no_system_has(self):
         for name in ("UTF-16", "KOI8", ""):
