@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/environment.h"
+#include "platform/calendar.h"
 #include "suite/file_dbf/dbfCalendar.h"
 #include "suite/file_dbf/dbfLanguages.h"
 #include "suite/file_dbf/dbfLayout.h"
@@ -96,7 +96,7 @@ std::vector<char> tableTarget::makeHeader(unsigned char languageDriver) const {
   std::vector<char> header(headerLength_);
   char* const bytes = header.data();
   bytes[versionAt] = static_cast<char>(versionDbase3);
-  const platform::calendarDay date = platform::today();
+  const platform::calendarTime date = platform::localTime();
   storeLittle(bytes + dateAt, static_cast<std::uint64_t>(date.year - firstYear), 1);
   storeLittle(bytes + dateAt + 1, static_cast<std::uint64_t>(date.month), 1);
   storeLittle(bytes + dateAt + 2, static_cast<std::uint64_t>(date.day), 1);
