@@ -44,8 +44,8 @@ constexpr wchar_t formulaMark = L'=';
 constexpr unsigned lettersInAlphabet = 26;
 
 char* put(std::string_view text, char* output) {
-  std::memcpy(output, text.data(), text.size());
-  return output + text.size();
+  // WHY not memcpy: it may not be given the null of an empty text, which the formula "=" has.
+  return output + text.copy(output, text.size());
 }
 
 }  // namespace
