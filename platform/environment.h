@@ -1,5 +1,5 @@
 // What the process can learn of its surroundings: variables, user, executable, temporary folder,
-// thread and clock.
+// thread and processor clock. What day and time it is: calendar.h.
 //
 // Nothing is kept between calls. The environment must not be changed by another thread meanwhile.
 #ifndef VOK_PLATFORM_ENVIRONMENT_H
@@ -25,16 +25,6 @@ std::wstring temporaryFolder();
 
 /// A number that no other running thread of this process has.
 std::uint32_t currentThreadId();
-
-/// A day of the calendar.
-struct calendarDay {
-  int year;
-  int month;  ///< from 1
-  int day;    ///< from 1
-};
-
-/// Today, where the process believes to be.
-calendarDay today();
 
 /// A count that grows with time, in the unit of CLOCKS_PER_SEC: what `clock()` answers.
 long clockCount();

@@ -86,9 +86,15 @@ class conversion {
       losses_.explain(messages_);
       return exitCode::writeFailed;
     }
+    const interruption interrupted;  // outlives whatever has to be cleaned up
     targetFile file(target_);
-    if (!write(file.temporaryPath()) || !isComplete(file.temporaryPath()))
+    if (!write(file.temporaryPath(), interrupted)) return exitCode::writeFailed;
+    // Asked again: a writer may do most of its work when it is closed.
+    if (interrupted.isAskedFor()) {
+      messages_.error(fmt::format("interrupted: {} was not written", request_.target));
       return exitCode::writeFailed;
+    }
+    if (!isComplete(file.temporaryPath())) return exitCode::writeFailed;
     // Reading and writing took their time: the target may be there by now.
     if (refusesExisting(request_, messages_)) return exitCode::writeFailed;
     if (!file.finish()) {
@@ -148,7 +154,8 @@ class conversion {
     if (const auto size = limits_->rowSize(row)) expectedSize_ = expectedSize_.value_or(0) + *size;
   }
 
-  bool write(const std::wstring& path) {
+  /// Writes the file, up to the row at which somebody interrupts. @return false, explained, when that cannot begin
+  bool write(const std::wstring& path, const interruption& interrupted) {
     options_.fileName = path;
     const std::unique_ptr<tableRW::tableWriter, decltype(&tableRW::tableWriter::close)> writer(
         tableRW::tableWriter::open(options_), &tableRW::tableWriter::close);
@@ -158,13 +165,8 @@ class conversion {
     }
     progressLine progress(messages_, fmt::format("writing {}", request_.target));
     std::vector<std::wstring> row;
-    const interruption interrupted;
-    for (std::size_t number = 0; number < reader_.count(); ++number) {
+    for (std::size_t number = 0; number < reader_.count() && !interrupted.isAskedFor(); ++number) {
       if (number % rowsBetweenReports == 0) progress.advance(number, reader_.count());
-      if (interrupted.isAskedFor()) {
-        messages_.error(fmt::format("interrupted: {} was not written", request_.target));
-        return false;
-      }
       reader_.getRow(number, row);
       writer->addRow(row);
     }

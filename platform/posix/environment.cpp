@@ -64,13 +64,6 @@ std::wstring temporaryFolder() {
 
 std::uint32_t currentThreadId() { return static_cast<std::uint32_t>(::gettid()); }
 
-calendarDay today() {
-  const std::time_t now = std::time(nullptr);
-  std::tm day = {};
-  ::localtime_r(&now, &day);
-  return {day.tm_year + 1900, day.tm_mon + 1, day.tm_mday};
-}
-
 long clockCount() { return std::clock(); }
 
 }  // namespace platform

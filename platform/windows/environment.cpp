@@ -57,12 +57,6 @@ std::wstring temporaryFolder() {
 
 std::uint32_t currentThreadId() { return GetCurrentThreadId(); }
 
-calendarDay today() {
-  SYSTEMTIME now;
-  GetLocalTime(&now);
-  return {now.wYear, now.wMonth, now.wDay};
-}
-
 long clockCount() { return std::clock(); }
 
 }  // namespace platform

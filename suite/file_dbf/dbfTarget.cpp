@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/environment.h"
+#include "platform/calendar.h"
 #include "suite/file_dbf/dbfCalendar.h"
 #include "suite/file_dbf/dbfLanguages.h"
 #include "suite/file_dbf/dbfLayout.h"
@@ -31,7 +31,7 @@ std::size_t recordLengthOf(const std::vector<dbfFieldDef>& fields) {
 }
 
 void storeToday(char* bytes) {
-  const platform::calendarDay date = platform::today();
+  const platform::calendarTime date = platform::localTime();
   storeLittle(bytes, static_cast<std::uint64_t>(date.year - firstYear), 1);
   storeLittle(bytes + 1, static_cast<std::uint64_t>(date.month), 1);
   storeLittle(bytes + 2, static_cast<std::uint64_t>(date.day), 1);

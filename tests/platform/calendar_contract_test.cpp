@@ -6,7 +6,10 @@
 #include <chrono>
 #include <ctime>
 #include <filesystem>
+#include <optional>
 
+#include "tests/support/environmentSetter.h"
+#include "tests/support/targetSystem.h"
 #include "tests/support/temporaryFolder.h"
 
 namespace {
@@ -14,6 +17,9 @@ namespace {
 using platform::calendarTime;
 
 TEST(calendar, localTimeIsTheClockOfTheUser) {
+  // A zone whose clock differs from UTC in hours and minutes, where the environment chooses it.
+  std::optional<testSupport::environmentSetter> zone;
+  if (!testSupport::onWindows) zone.emplace(L"TZ", L"VOK-05:30");
   // Asked before and after: the answer lies between the two, whatever second changes meanwhile.
   const auto local = [] {
     const std::time_t now = std::time(nullptr);

@@ -142,11 +142,4 @@ TEST(environment, theClockCountIsTheOneOfTheCLibrary) {
   EXPECT_LE(count, after);
 }
 
-TEST(environment, todayIsADayOfTheCalendar) {
-  const platform::calendarDay day = platform::today();
-  EXPECT_GE(day.year, 2024);
-  EXPECT_TRUE(day.month >= 1 && day.month <= 12) << day.month;
-  EXPECT_TRUE(day.day >= 1 && day.day <= 31) << day.day;
-}
-
 }  // namespace

@@ -6,13 +6,15 @@ Judges: python's zipfile, xmllint and openpyxl where they are installed; LibreOf
 import json
 import os
 import shutil
+import signal
 import subprocess
 import sys
+import time
 import zipfile
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
-from tool_cases import CaseTest, main, posix_only, run_tool, skip_for_windows  # noqa: E402
+from tool_cases import CaseTest, Settings, main, posix_only, run_tool, skip_for_windows  # noqa: E402
 
 # Packages of the system belong to its own Python, which need not be the one that runs this.
 SYSTEM_PYTHON = "/usr/bin/python3" if os.path.exists("/usr/bin/python3") else sys.executable
@@ -263,7 +265,6 @@ class Files(Convert):
     @skip_for_windows("limits of this system would hit the Windows program's own files")
     def test_disk_that_takes_only_a_part(self):
         import resource
-        import signal
 
         def limit_file_size():
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
@@ -272,6 +273,32 @@ class Files(Convert):
         self.assertEqual(run.code, 5)
         self.assertIn("cannot create out.xlsx", run.err)
         self.assert_only("t.csv")
+
+    def interrupt_when(self, has_begun):
+        """Interrupts a conversion at a moment that files in its folders show."""
+        self.write({"t.csv": "a;b\n" + "".join(f"{i};text {i * 7919}\n" for i in range(200000))})
+        os.mkdir(self.path("temp"))
+        environment = {**os.environ, "TEMP": self.path("temp")}
+        with subprocess.Popen([*Settings.tool, "convert", "t.csv", "out.xlsx"], cwd=self.folder, env=environment,
+                              stdin=subprocess.DEVNULL, stderr=subprocess.PIPE) as tool:
+            while tool.poll() is None and not has_begun():
+                time.sleep(0.001)
+            tool.send_signal(signal.SIGINT)
+            message = tool.stderr.read().decode("utf-8")
+        self.assertEqual((tool.returncode, message),
+                         (5, "vok_table: error: interrupted: out.xlsx was not written\n"))
+        self.assertEqual(os.listdir(self.path("temp")), [])
+        self.assert_only("t.csv", "temp")
+
+    @posix_only
+    @skip_for_windows("signals of this system")
+    def test_interrupted_while_rows_are_written(self):
+        self.interrupt_when(lambda: os.listdir(self.path("temp")))
+
+    @posix_only
+    @skip_for_windows("signals of this system")
+    def test_interrupted_while_the_package_is_made(self):
+        self.interrupt_when(lambda: any(name.startswith("~vok_table") for name in os.listdir(self.folder)))
 
 
 if __name__ == "__main__":

@@ -12,6 +12,8 @@
 
 #include "platform/files.h"
 #include "table_rw/writers/tableWriter_csv.h"
+#include "table_rw/writers/tableWriter_dbf.h"
+#include "table_rw/writers/tableWriter_xls.h"
 #include "tests/support/tableText.h"
 #include "tests/support/temporaryFolder.h"
 
@@ -19,6 +21,8 @@ namespace {
 
 using tableRW::tableWriter;
 using tableRW::tableWriter_csv;
+using tableRW::tableWriter_dbf;
+using tableRW::tableWriter_xls;
 using tableRW::tableWriterOptions;
 using tableRW::writerField;
 using testSupport::printable;
@@ -83,7 +87,7 @@ TEST(tableWriterOptions, copiesAndMovesTakeEveryMember) {
 
 // ---- the choice ---------------------------------------------------------------------------------
 
-enum class format { csv, other };
+enum class format { csv, workbook, dbf };
 
 struct row {
   const char* name;
@@ -93,33 +97,33 @@ struct row {
 };
 
 const row rows[] = {
-    row{"csv",                                         L"out.csv",                format::csv  },
-    row{"csv in capitals",                             L"out.CSV",                format::csv  },
-    row{"csv in mixed case",                           L"out.Csv",                format::csv  },
-    row{"an unknown extension",                        L"out.txt",                format::csv  },
-    row{"no extension",                                L"out",                    format::csv  },
-    row{"the dot comes last",                          L"out.",                   format::csv  },
-    row{"only the last dot counts",                    L"out.xlsx.txt",           format::csv  },
-    row{"a dot in the folder alone",                   L"dir.old\\out",           format::csv  },
-    row{"a dot in the folder alone, slash",            L"dir.old/out",            format::csv  },
-    row{"an extension of the folder alone",            L"a.xlsx/table",           format::csv  },
-    row{"an extension of the folder alone, backslash", L"a.dbf\\table",           format::csv  },
-    row{"more than a known one",                       L"out.xlsxx",              format::csv  },
-    row{"a spreadsheet with macros",                   L"out.xlsm",               format::csv  },
-    row{"the beginning of a known one",                L"out.db",                 format::csv  },
-    row{"an extension without its dot",                L"dbf",                    format::csv  },
-    row{"a blank in it",                               L"out. dbf",               format::csv  },
-    row{"Cyrillic letters that look alike",            L"out.\x0445ls",           format::csv  },
-    row{"full-width letters",                          L"out.\xFF24\xFF22\xFF26", format::csv  },
-    row{"xlsx",                                        L"out.xlsx",               format::other},
-    row{"xlsx in capitals",                            L"out.XLSX",               format::other},
-    row{"xls",                                         L"out.xls",                format::other},
-    row{"xls in mixed case",                           L"out.Xls",                format::other},
-    row{"dbf",                                         L"out.dbf",                format::other},
-    row{"dbf in capitals",                             L"out.DBF",                format::other},
-    row{"the name is the extension",                   L".dbf",                   format::other},
-    row{"in a folder with another extension",          L"a.xlsx/out.dbf",         format::other},
-    row{"with another extension before it",            L"out.csv.xls",            format::other},
+    row{"csv",                                         L"out.csv",                format::csv     },
+    row{"csv in capitals",                             L"out.CSV",                format::csv     },
+    row{"csv in mixed case",                           L"out.Csv",                format::csv     },
+    row{"an unknown extension",                        L"out.txt",                format::csv     },
+    row{"no extension",                                L"out",                    format::csv     },
+    row{"the dot comes last",                          L"out.",                   format::csv     },
+    row{"only the last dot counts",                    L"out.xlsx.txt",           format::csv     },
+    row{"a dot in the folder alone",                   L"dir.old\\out",           format::csv     },
+    row{"a dot in the folder alone, slash",            L"dir.old/out",            format::csv     },
+    row{"an extension of the folder alone",            L"a.xlsx/table",           format::csv     },
+    row{"an extension of the folder alone, backslash", L"a.dbf\\table",           format::csv     },
+    row{"more than a known one",                       L"out.xlsxx",              format::csv     },
+    row{"a spreadsheet with macros",                   L"out.xlsm",               format::csv     },
+    row{"the beginning of a known one",                L"out.db",                 format::csv     },
+    row{"an extension without its dot",                L"dbf",                    format::csv     },
+    row{"a blank in it",                               L"out. dbf",               format::csv     },
+    row{"Cyrillic letters that look alike",            L"out.\x0445ls",           format::csv     },
+    row{"full-width letters",                          L"out.\xFF24\xFF22\xFF26", format::csv     },
+    row{"xlsx",                                        L"out.xlsx",               format::workbook},
+    row{"xlsx in capitals",                            L"out.XLSX",               format::workbook},
+    row{"xls",                                         L"out.xls",                format::workbook},
+    row{"xls in mixed case",                           L"out.Xls",                format::workbook},
+    row{"dbf",                                         L"out.dbf",                format::dbf     },
+    row{"dbf in capitals",                             L"out.DBF",                format::dbf     },
+    row{"the name is the extension",                   L".dbf",                   format::dbf     },
+    row{"in a folder with another extension",          L"a.xlsx/out.dbf",         format::dbf     },
+    row{"with another extension before it",            L"out.csv.xls",            format::workbook},
 };
 
 TEST(tableWriter, choiceByExtension) {
@@ -134,17 +138,13 @@ TEST(tableWriter, choiceByExtension) {
         writerField{L"A", tableRW::fldText, 5}
     };
     tableWriter* writer = tableWriter::open(options);
-    const bool isCsv = dynamic_cast<tableWriter_csv*>(writer) != nullptr;
-    const bool hasFile = platform::fileExists(options.fileName);
-    if (r.expected == format::csv) {
-      EXPECT_TRUE(isCsv);
-      EXPECT_TRUE(hasFile) << "the file exists as soon as the writer does";
-    } else {
-      EXPECT_FALSE(isCsv);
-      // A format that cannot be written leaves no trace.
-      EXPECT_FALSE(writer == nullptr && hasFile);
-    }
+    EXPECT_EQ(dynamic_cast<tableWriter_csv*>(writer) != nullptr, r.expected == format::csv);
+    EXPECT_EQ(dynamic_cast<tableWriter_xls*>(writer) != nullptr, r.expected == format::workbook);
+    EXPECT_EQ(dynamic_cast<tableWriter_dbf*>(writer) != nullptr, r.expected == format::dbf);
+    EXPECT_EQ(platform::fileExists(options.fileName), r.expected != format::workbook)
+        << "the file exists as soon as the writer does, but for workbooks";
     tableWriter::close(writer);
+    EXPECT_TRUE(platform::fileExists(options.fileName));
     EXPECT_EQ(options.fileName, folder.file(r.fileName)) << "the caller's record stays as it was";
   }
 }

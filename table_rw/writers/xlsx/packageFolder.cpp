@@ -53,8 +53,9 @@ void packageFolder::createFolder(const std::wstring& path) {
   const bool isThere =
       std::any_of(made_.begin(), made_.end(), [&](const made& each) { return each.path == path; });
   if (isThere) return;
-  made_.push_back({path, true});
-  if (!disk_.createFolder(path)) made_.pop_back();
+  made entry{path, true};
+  made_.reserve(made_.size() + 1);  // as above
+  if (disk_.createFolder(path)) made_.push_back(std::move(entry));
 }
 
 void packageFolder::remove() {

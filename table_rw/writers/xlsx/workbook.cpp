@@ -29,7 +29,7 @@ constexpr const wchar_t* fixedParts[] = {contentTypesPartName,
                                          themePartName};
 
 // A target that was created and is not whole yet: unless it is kept, what is left of it goes away with the
-// object. A link or a device stays, emptied.
+// object. A link stays and leads to an empty file; a pipe or a device stays.
 class unfinishedTarget {
  public:
   explicit unfinishedTarget(const std::wstring& path) : path_(path) {}
@@ -45,8 +45,9 @@ class unfinishedTarget {
  private:
   void discard() const noexcept {
     try {
+      if (platform::isPipeOrDevice(path_)) return;  // opening it again may wait for ever
       platform::binaryFile().openForWriting(path_);
-      if (!platform::isLink(path_) && !platform::isPipeOrDevice(path_)) platform::removeFile(path_);
+      if (!platform::isLink(path_)) platform::removeFile(path_);
     } catch (const std::bad_alloc&) {
       // A process without memory for the path leaves an archive that has no directory.
     }
@@ -82,8 +83,10 @@ CWorkbook& CWorkbook::operator=(const CWorkbook& other) {
 CWorkbook::~CWorkbook() = default;
 
 CWorksheet& CWorkbook::AddSheet(const std::wstring& title) {
-  sheets_.push_back(std::make_unique<CWorksheet>(title, folder_->disk(), *strings_));
-  sheets_.back()->open(folder_->prepare(worksheetPartName(sheets_.size())));
+  auto sheet = std::make_unique<CWorksheet>(title, folder_->disk(), *strings_);
+  sheet->open(folder_->prepare(worksheetPartName(sheets_.size() + 1)));
+  sheets_.push_back(
+      std::move(sheet));  // behind all that may run out of memory: no half sheet joins
   return *sheets_.back();
 }
 

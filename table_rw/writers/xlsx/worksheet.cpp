@@ -44,8 +44,8 @@ constexpr wchar_t formulaMark = L'=';
 constexpr unsigned lettersInAlphabet = 26;
 
 char* put(std::string_view text, char* output) {
-  std::memcpy(output, text.data(), text.size());
-  return output + text.size();
+  // WHY not memcpy: it may not be given the null of an empty text, which the formula "=" has.
+  return output + text.copy(output, text.size());
 }
 
 }  // namespace
@@ -64,11 +64,13 @@ void CWorksheet::copyFrom(CWorksheet& other, const std::wstring& path) {
   other.part_.copyTo(part_, path);
   columns_ = other.columns_;
   rows_ = other.rows_;
+  isWhole_ = other.isWhole_;
   dimensionAt_ = other.dimensionAt_;
 }
 
 void CWorksheet::AddRow(const std::vector<CellDataStr>& cells) {
   if (cells.size() > columns_.size()) nameColumns(cells.size());
+  const bool wasWhole = std::exchange(isWhole_, false);  // until the row's end is there
   std::array<char, mostDigits> digits;
   const char* const digitsEnd = putNumber(rows_ + 1, digits.data());
   const std::string_view rowNumber(digits.data(),
@@ -83,6 +85,7 @@ void CWorksheet::AddRow(const std::vector<CellDataStr>& cells) {
   for (std::size_t column = 0; column < cells.size(); ++column)
     putCell(column, rowNumber, cells[column]);
   part_.raw(rowEnd);
+  isWhole_ = wasWhole;
 }
 
 void CWorksheet::putCell(std::size_t column, std::string_view rowNumber, const CellDataStr& cell) {
@@ -136,7 +139,7 @@ std::string CWorksheet::dimension() const {
 bool CWorksheet::close() {
   part_.raw(afterRows);
   part_.rewrite(dimensionAt_, dimension());
-  return part_.close();
+  return part_.close() && isWhole_;
 }
 
 }  // namespace SimpleXlsx

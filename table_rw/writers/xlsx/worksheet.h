@@ -40,6 +40,7 @@ class CWorksheet {
   void copyFrom(CWorksheet& other, const std::wstring& path);
 
   /// Writes the next row.
+  /// @throws std::bad_alloc; the sheet may end in the midst of the row then, and `close` says so
   void AddRow(const std::vector<CellDataStr>& cells);
 
   /// Writes what comes after the rows and closes the part. @return false when it is not whole
@@ -63,6 +64,7 @@ class CWorksheet {
   tableRW::growingArray<char> formula_;  // reused from cell to cell
   std::vector<columnName> columns_;      // as many as the widest row has had
   std::uint64_t rows_ = 0;
+  bool isWhole_ = true;            // false behind a row that ran out of memory in its midst
   std::uint64_t dimensionAt_ = 0;  // where the room for the dimension stands in the part
 };
 

@@ -1,6 +1,6 @@
 #include "table_rw/writers/xlsx/xmlPart.h"
 
-#include <cstring>
+#include <array>
 
 #include "platform/narrowPath.h"
 #include "table_rw/writers/xlsx/xmlText.h"
@@ -38,11 +38,18 @@ xmlPart& xmlPart::attribute(const char* name, std::wstring_view value) {
 }
 
 xmlPart& xmlPart::attribute(const char* name, const char* value) {
-  return attribute(name, std::wstring(value, value + std::strlen(value)));
+  put(" ");
+  put(name);
+  put("=\"");
+  put(value);
+  put("\"");
+  return *this;
 }
 
 xmlPart& xmlPart::attribute(const char* name, std::uint64_t value) {
-  return attribute(name, std::to_wstring(value));
+  std::array<char, mostDigits + 1> digits{};
+  putNumber(value, digits.data());
+  return attribute(name, digits.data());
 }
 
 xmlPart& xmlPart::text(std::wstring_view text) {
@@ -51,7 +58,11 @@ xmlPart& xmlPart::text(std::wstring_view text) {
   return *this;
 }
 
-xmlPart& xmlPart::text(std::uint64_t number) { return text(std::to_wstring(number)); }
+xmlPart& xmlPart::text(std::uint64_t number) {
+  std::array<char, mostDigits + 1> digits{};
+  putNumber(number, digits.data());
+  return raw(digits.data());
+}
 
 xmlPart& xmlPart::end() {
   if (isInStartTag_) {

@@ -38,6 +38,7 @@ class xmlPart {
   xmlPart& start(const char* name);
   /// Adds an attribute to the element that was begun last; nothing may have been written into it yet.
   xmlPart& attribute(const char* name, std::wstring_view value);
+  /// A value of the program's own is taken as it is, like the name.
   xmlPart& attribute(const char* name, const char* value);
   xmlPart& attribute(const char* name, std::uint64_t value);
   /// Writes text into the element, escaped.

@@ -56,6 +56,22 @@ bool isForbidden(wchar_t element) {
          element == L'\xFFFE' || element == L'\xFFFF';
 }
 
+// What stands in escaped text instead of a character; empty for those that stand as they are.
+std::string_view replacementOf(wchar_t element) {
+  switch (element) {
+    case L'&':
+      return "&amp;";
+    case L'<':
+      return "&lt;";
+    case L'>':
+      return "&gt;";
+    case L'"':
+      return "&quot;";
+    default:
+      return isForbidden(element) ? "\xEF\xBF\xBD" : std::string_view();
+  }
+}
+
 }  // namespace
 
 void appendUtf8(std::wstring_view text, tableRW::growingArray<char>& bytes) {
@@ -66,26 +82,15 @@ void appendUtf8(std::wstring_view text, tableRW::growingArray<char>& bytes) {
 }
 
 void appendEscaped(std::wstring_view text, tableRW::growingArray<char>& bytes) {
-  std::wstring escaped;
-  for (const wchar_t element : text) {
-    switch (element) {
-      case L'&':
-        escaped += L"&amp;";
-        break;
-      case L'<':
-        escaped += L"&lt;";
-        break;
-      case L'>':
-        escaped += L"&gt;";
-        break;
-      case L'"':
-        escaped += L"&quot;";
-        break;
-      default:
-        escaped += isForbidden(element) ? replacement : element;
-    }
+  std::size_t begin = 0;  // of what stands as it is
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const std::string_view instead = replacementOf(text[at]);
+    if (instead.empty()) continue;
+    appendUtf8(text.substr(begin, at - begin), bytes);
+    bytes.append(instead.data(), instead.size());
+    begin = at + 1;
   }
-  appendUtf8(escaped, bytes);
+  appendUtf8(text.substr(begin), bytes);
 }
 
 char* putNumber(std::uint64_t number, char* output) {

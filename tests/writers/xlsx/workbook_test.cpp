@@ -3,15 +3,24 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <ctime>
 #include <filesystem>
+#include <future>
 #include <memory>
+#include <new>
+#include <optional>
 #include <regex>
 #include <string>
 #include <vector>
 
 #include "platform/files.h"
+#include "table_rw/writers/xlsx/coreProperties.h"
 #include "tests/support/environmentSetter.h"
+#include "tests/support/failingAllocations.h"
 #include "tests/support/failingDisk.h"
+#include "tests/support/namedPipe.h"
+#include "tests/support/targetSystem.h"
 #include "tests/support/temporaryFolder.h"
 #include "tests/support/workbookContent.h"
 
@@ -103,6 +112,44 @@ TEST_F(workbook, coreProperties) {
       2);
 }
 
+TEST_F(workbook, coreTimesAreLocal) {
+  // A zone whose clock differs from UTC, where the environment chooses it.
+  std::optional<environmentSetter> zone;
+  if (!testSupport::onWindows) zone.emplace(L"TZ", L"VOK-05:30");
+  std::tm before = {};
+  std::tm after = {};
+  const auto now = [](std::tm& time) {
+    const std::time_t seconds = std::time(nullptr);
+    time = *std::localtime(&seconds);
+  };
+  const auto text = [](const std::tm& time) {
+    char formatted[32];
+    return std::string(formatted,
+                       std::strftime(formatted, sizeof formatted, "%Y-%m-%dT%H:%M", &time));
+  };
+  now(before);
+  CWorkbook book;
+  const std::string core = saved(book).of("docProps/core.xml");
+  now(after);
+  for (const char* name : {"created", "modified"}) {
+    const std::string end = std::string("</dcterms:") + name + ">";
+    const std::string found = allBetween(core, "\"dcterms:W3CDTF\">", end).back();
+    const std::string minute = found.substr(found.rfind('>') + 1, text(before).size());
+    EXPECT_TRUE(minute == text(before) || minute == text(after)) << minute;
+  }
+}
+
+TEST(coreProperties, timesHaveTheirZeros) {
+  const testSupport::temporaryFolder folder;
+  SimpleXlsx::xmlPart part(SimpleXlsx::packageDisk::real());
+  ASSERT_TRUE(part.open(folder.file(L"core.xml")));
+  SimpleXlsx::writeCoreProperties(part, {2026, 1, 2, 3, 4, 5});
+  EXPECT_TRUE(part.close());
+  EXPECT_EQ(countOf(testSupport::readFile(folder.file(L"core.xml")).value_or(""),
+                    ">2026-01-02T03:04:05Z</dcterms:"),
+            2u);
+}
+
 TEST_F(workbook, theUserIsUnknownWithoutItsVariable) {
   const environmentSetter nobody(L"USERNAME", std::nullopt);
   CWorkbook book;
@@ -191,6 +238,7 @@ TEST_F(workbook, stylesAndTheme) {
   EXPECT_NE(theme.find("<a:dk1><a:sysClr val=\"windowText\""), std::string::npos);
   EXPECT_NE(theme.find("<a:lt1><a:sysClr val=\"window\""), std::string::npos);
   EXPECT_EQ(countOf(theme, "<a:fmtScheme "), 1u);
+  EXPECT_EQ(countOf(theme, "<a:font script=\"Jpan\""), 2u) << "major and minor";
 }
 
 // ---- sheets -------------------------------------------------------------------------------------
@@ -284,6 +332,24 @@ TEST_F(workbook, aTargetThatCannotBeCreated) {
       << "removed at once, not at the end";
 }
 
+// A package needs positions, which a pipe has not. Who reads it is gone when that is found out: opening the pipe
+// once more would wait for the next reader for ever.
+TEST_F(workbook, aTargetThatIsAPipeIsNotOpenedTwice) {
+  if (!testSupport::makeNamedPipe(path_)) GTEST_SKIP() << "no file is a pipe here";
+  CWorkbook book;
+  book.AddSheet(L"S").AddRow(cells({L"x"}));
+  std::future<bool> answer = std::async(std::launch::async, [&] { return book.Save(path_); });
+  platform::binaryFile reader;
+  ASSERT_TRUE(reader.openForReading(path_));
+  std::string bytes(100000, '\0');
+  EXPECT_GT(reader.read(bytes.data(), bytes.size()), 0u);
+  reader.close();
+  while (answer.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
+    EXPECT_FALSE(testSupport::releaseWriter(path_)) << "it waited for another reader";
+  EXPECT_FALSE(answer.get());
+  EXPECT_TRUE(platform::isPipeOrDevice(path_));
+}
+
 TEST_F(workbook, anOldTargetSurvivesPartsThatCannotBeWritten) {
   folder_.write(L"out.xlsx", "old");
   const environmentSetter missing(L"TEMP", folder_.file(L"gone"));
@@ -291,6 +357,93 @@ TEST_F(workbook, anOldTargetSurvivesPartsThatCannotBeWritten) {
   book.AddSheet(L"S").AddRow(cells({L"x"}));
   EXPECT_FALSE(book.Save(path_));
   EXPECT_EQ(testSupport::readFile(path_), "old");
+}
+
+// A disk that notes what is opened for writing, by its path in the package.
+class notingDisk : public SimpleXlsx::packageDisk {
+ public:
+  bool openForWriting(platform::binaryFile& file, const std::wstring& path) override {
+    const std::size_t folder = path.find(L"/xlsx_");
+    opened_.push_back(folder == std::wstring::npos ? path.substr(path.find_last_of(L"/\\") + 1)
+                                                   : path.substr(path.find(L'/', folder + 1) + 1));
+    return packageDisk::openForWriting(file, path);
+  }
+  const std::vector<std::wstring>& opened() const { return opened_; }
+
+ private:
+  std::vector<std::wstring> opened_;
+};
+
+TEST_F(workbook, partsAreWrittenInTheirOrder) {
+  notingDisk disk;
+  CWorkbook book(disk);
+  book.AddSheet(L"S").AddRow(cells({L"x"}));
+  EXPECT_TRUE(book.Save(path_));
+  const std::vector<std::wstring> expected = {L"xl/worksheets/sheet1.xml",
+                                              L"docProps/core.xml",
+                                              L"_rels/.rels",
+                                              L"docProps/app.xml",
+                                              L"[Content_Types].xml",
+                                              L"xl/theme/theme1.xml",
+                                              L"xl/sharedStrings.xml",
+                                              L"xl/styles.xml",
+                                              L"xl/workbook.xml",
+                                              L"xl/_rels/workbook.xml.rels",
+                                              L"out.xlsx"};
+  EXPECT_EQ(disk.opened(), expected);
+}
+
+// A row that memory ends in its midst would make a sheet that no program reads.
+TEST_F(workbook, aRowThatRanOutOfMemoryEndsTheSaving) {
+  folder_.write(L"out.xlsx", "old");
+  // An element to replace needs memory for a while; the cell before it has been written by then.
+  const std::vector<CellDataStr> row = cells({L"x", std::wstring(50, L'\xD83D')});
+  bool failed = true;
+  std::size_t number = 0;
+  for (; failed; ++number) {
+    ASSERT_LT(number, 100u);
+    CWorkbook book;
+    CWorksheet& sheet = book.AddSheet(L"S");
+    sheet.AddRow(cells({L"A", L"B"}));
+    {
+      const testSupport::failingAllocation failing(number);
+      try {
+        sheet.AddRow(row);
+      } catch (const std::bad_alloc&) {
+      }
+      failed = failing.hasFailed();
+    }
+    if (failed) {
+      sheet.AddRow(cells({L"next"}));
+      EXPECT_FALSE(CWorkbook(book).Save(path_)) << "nor does a copy";
+    }
+    EXPECT_EQ(book.Save(path_), !failed) << number;
+    EXPECT_EQ(testSupport::readFile(path_) == "old", failed) << number;
+  }
+  EXPECT_GT(number, 1u) << "the sweep has met an allocation";
+}
+
+TEST_F(workbook, aSheetThatRanOutOfMemoryIsNone) {
+  bool failed = true;
+  std::size_t number = 0;
+  for (; failed; ++number) {
+    ASSERT_LT(number, 1000u);
+    CWorkbook book;
+    {
+      const testSupport::failingAllocation failing(number);
+      try {
+        book.AddSheet(L"A title that is longer than what a string holds by itself");
+      } catch (const std::bad_alloc&) {
+      }
+      failed = failing.hasFailed();
+    }
+    if (!failed) break;
+    book.AddSheet(L"S").AddRow(cells({L"x"}));
+    const zipContent package = saved(book);
+    EXPECT_EQ(cellsOf(package), "x") << number;
+    EXPECT_EQ(countOf(package.of("xl/workbook.xml"), "<sheet "), 1u) << number;
+  }
+  EXPECT_GT(number, 5u);
 }
 
 // Whatever operation finds the disk full, from the first part to the end of the archive: there is no file, and no
