@@ -35,8 +35,7 @@ std::optional<std::string> csvLimits::characterProblem(std::wstring_view text) c
   return std::nullopt;
 }
 
-std::optional<std::string> csvLimits::nameProblem(std::size_t,
-                                                  std::wstring_view name) const {
+std::optional<std::string> csvLimits::nameProblem(std::size_t, std::wstring_view name) const {
   if (auto reason = characterProblem(name)) return reason;
   if (isCutAtDelimiter(name)) return "holds the delimiter";
   if (!name.empty() && (name.front() == quotationMark || name.back() == quotationMark))
