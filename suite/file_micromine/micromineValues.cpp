@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <limits>
 
 #include "suite/file_micromine/micromineLayout.h"
@@ -26,9 +27,41 @@ std::string_view digitsOf(Number number, char* digits) {
   return {digits, static_cast<std::size_t>(result.ptr - digits)};
 }
 
+// The shortest text of a number with at most four decimals, as coordinates and depths are, found without
+// the search for it; empty for any other, and where an exponent might be shorter.
+// WHY it is the same text: a double has at most one decimal of up to 15 digits that reads back to it, and a
+// quotient of two whole numbers that doubles hold exactly is rounded as that decimal is.
+std::string_view plainText(double number, char* digits) {
+  constexpr std::uint64_t powers[] = {1, 10, 100, 1000, 10000};
+  constexpr std::uint64_t mostZeros = 100000;  // a number that ends in as many may need an exponent
+  const double size = std::fabs(number);
+  if (!(size >= 0.001 && size < 1e10)) return {};
+  std::size_t decimals = 0;
+  std::uint64_t whole = 0;
+  for (;; ++decimals) {
+    if (decimals == std::size(powers)) return {};
+    const auto power = static_cast<double>(powers[decimals]);
+    whole = static_cast<std::uint64_t>(size * power + 0.5);
+    if (static_cast<double>(whole) / power == size) break;
+  }
+  if (decimals == 0 && whole % mostZeros == 0) return {};
+  char* to = digits;
+  if (number < 0) *to++ = '-';
+  to = std::to_chars(to, digits + longestNumber, whole / powers[decimals]).ptr;
+  if (decimals > 0) *to++ = '.';
+  for (; decimals > 0; --decimals)
+    *to++ = static_cast<char>('0' + whole % powers[decimals] / powers[decimals - 1]);
+  return {digits, static_cast<std::size_t>(to - digits)};
+}
+
 // FORMAT: binary variables hold numbers or no value, which is a NaN; an infinity is no number either.
-template <class Number>
-std::string_view realText(Number number, char* digits) {
+std::string_view realText(double number, char* digits) {
+  if (!std::isfinite(number)) return {};
+  const std::string_view plain = plainText(number, digits);
+  return plain.empty() ? digitsOf(number, digits) : plain;
+}
+
+std::string_view floatText(float number, char* digits) {
   return std::isfinite(number) ? digitsOf(number, digits) : std::string_view();
 }
 
@@ -57,7 +90,7 @@ std::string_view textOf(const variable& column, const char* record, char* digits
     case typeReal:
       return realText(std::bit_cast<double>(littleEndian<std::uint64_t>(bytes)), digits);
     case typeFloat:
-      return realText(std::bit_cast<float>(littleEndian<std::uint32_t>(bytes)), digits);
+      return floatText(std::bit_cast<float>(littleEndian<std::uint32_t>(bytes)), digits);
     case typeLong:
       return wholeText(static_cast<std::int32_t>(littleEndian<std::uint32_t>(bytes)), digits);
     case typeShort:

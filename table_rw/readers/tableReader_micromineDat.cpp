@@ -13,13 +13,15 @@ namespace {
 
 static_assert(textStep <= vo_mm_padding && textStep <= valueTable::writeAhead);
 
+bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
 // WHY before decoding: in every code page these bytes are these characters and never a part of another.
 std::string_view trimmed(const vo_mm_value& value) {
-  constexpr std::string_view blanks = " \t\n\r\v\f";
-  const std::string_view text(value.bytes, value.length);
-  const std::size_t begin = text.find_first_not_of(blanks);
-  if (begin == std::string_view::npos) return {};
-  return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+  const char* begin = value.bytes;
+  const char* end = begin + value.length;
+  while (begin != end && isBlank(*begin)) ++begin;
+  while (begin != end && isBlank(end[-1])) --end;
+  return {begin, static_cast<std::size_t>(end - begin)};
 }
 
 std::wstring nameOf(const vo_mm_tbl_reader* table, std::int32_t property) {
