@@ -41,7 +41,8 @@ std::string_view plainText(double number, char* digits) {
   for (;; ++decimals) {
     if (decimals == std::size(powers)) return {};
     const auto power = static_cast<double>(powers[decimals]);
-    whole = static_cast<std::uint64_t>(size * power + 0.5);
+    // A candidate that is rounded wrongly is refused by the comparison.
+    whole = static_cast<std::uint64_t>(size * power + 0.5);  // NOLINT(bugprone-incorrect-roundings)
     if (static_cast<double>(whole) / power == size) break;
   }
   if (decimals == 0 && whole % mostZeros == 0) return {};

@@ -83,6 +83,18 @@ class Petrel(PackageCase):
         with open(self.path("out.csv"), "rb") as file:
             self.assertEqual(file.read(), b"Well;MD\r\nP 1;1200.5\r\nP 2;\r\n;3\r\n")
 
+    def test_conversion_of_rows_of_any_length(self):
+        """Short rows are filled up, values without a field are left out and named, in every format."""
+        self.write({"tops": TOPS[:TOPS.index('"P 1"')] + "1 2 3 4 \n5 \n6 7 \n"})
+        for target in ("out.csv", "out.dbf"):
+            run = run_tool("convert", "tops", target, cwd=self.folder)
+            self.assertEqual((run.code, run.out), (1, b""), target)
+            self.assertIn("row 1: holds 2 values more than the table has fields, which are left out", run.err)
+            self.assertEqual(self.lines("cat", target)[1:], ["1\t2", "5\t", "6\t7"])
+        run = run_tool("convert", "tops", "strict.csv", "--strict", cwd=self.folder)
+        self.assertNotEqual(run.code, 0)
+        self.assertFalse(os.path.exists(self.path("strict.csv")))
+
 
 class Micromine(PackageCase):
     def test_a_damaged_file_is_refused(self):
