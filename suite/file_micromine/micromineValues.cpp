@@ -16,8 +16,12 @@ namespace {
 template <class Bits>
 Bits littleEndian(const char* bytes) {
   Bits number = 0;
-  for (std::size_t i = sizeof(Bits); i > 0; --i)
-    number = static_cast<Bits>(number << 8 | static_cast<unsigned char>(bytes[i - 1]));
+  if constexpr (std::endian::native == std::endian::little) {
+    std::memcpy(&number, bytes, sizeof(Bits));
+  } else {
+    for (std::size_t i = sizeof(Bits); i > 0; --i)
+      number = static_cast<Bits>(number << 8 | static_cast<unsigned char>(bytes[i - 1]));
+  }
   return number;
 }
 
@@ -48,11 +52,18 @@ std::string_view plainText(double number, char* digits) {
   if (decimals == 0 && whole % mostZeros == 0) return {};
   char* to = digits;
   if (number < 0) *to++ = '-';
-  to = std::to_chars(to, digits + longestNumber, whole / powers[decimals]).ptr;
-  if (decimals > 0) *to++ = '.';
-  for (; decimals > 0; --decimals)
-    *to++ = static_cast<char>('0' + whole % powers[decimals] / powers[decimals - 1]);
-  return {digits, static_cast<std::size_t>(to - digits)};
+  // A number below 1 gets its zero from a 1 in front.
+  const bool small = whole < powers[decimals];
+  char* end =
+      std::to_chars(to, digits + longestNumber, small ? whole + powers[decimals] : whole).ptr;
+  if (small) *to = '0';
+  if (decimals > 0) {
+    char* const point = end - decimals;
+    std::memmove(point + 1, point, decimals);
+    *point = '.';
+    ++end;
+  }
+  return {digits, static_cast<std::size_t>(end - digits)};
 }
 
 // FORMAT: binary variables hold numbers or no value, which is a NaN; an infinity is no number either.
