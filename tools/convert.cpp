@@ -136,10 +136,24 @@ class conversion {
       if (const auto reason = limits_->nameProblem(field, row[field]))
         losses_.add("the header", row[field], *reason);
     for (std::size_t number = 0; number < reader_.count(); ++number) {
-      reader_.getRow(number, row);
-      examineRow(fmt::format("row {}", grouped(number + 1)), row);
+      const std::string place = fmt::format("row {}", grouped(number + 1));
+      if (const std::size_t surplus = takeRow(number, row))
+        losses_.add(place,
+                    fmt::format("holds {} more than the table has fields, which are left out",
+                                counted(surplus, "value")));
+      examineRow(place, row);
     }
     return true;
+  }
+
+  /// A row as wide as the table: rows of some formats are as long as their lines.
+  /// @return how many of its values have no field
+  std::size_t takeRow(std::uint64_t number, std::vector<std::wstring>& row) const {
+    const auto fields = static_cast<std::size_t>(reader_.fieldCount());
+    reader_.getRow(number, row);
+    const std::size_t surplus = row.size() - std::min(row.size(), fields);
+    row.resize(fields);
+    return surplus;
   }
 
   void examineRow(std::string_view place, const std::vector<std::wstring>& row) {
@@ -167,7 +181,7 @@ class conversion {
     std::vector<std::wstring> row;
     for (std::size_t number = 0; number < reader_.count() && !interrupted.isAskedFor(); ++number) {
       if (number % rowsBetweenReports == 0) progress.advance(number, reader_.count());
-      reader_.getRow(number, row);
+      takeRow(number, row);
       writer->addRow(row);
     }
     return true;

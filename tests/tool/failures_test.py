@@ -92,14 +92,6 @@ class Unavailable(CaseTest):
             self.assertEqual((run.code, run.out), (4, b""), name)
             self.assertIn(f"cannot read {file}: reading the format", run.err)
 
-    def test_reading_by_first_line(self):
-        self.write({"t.txt": "# Petrel well tops\n"})
-        run = run_tool("cat", "t.txt", cwd=self.folder)
-        if self.formats()["petrel"][3] == "yes":
-            self.skipTest("Petrel tables are read")
-        self.assertEqual((run.code, run.out), (4, b""))
-        self.assertIn('reading the format "Petrel text table" is not in this version', run.err)
-
     def test_writing(self):
         self.write({"t.csv": "a\n1\n"})
         for name, extension in {"dbf": "dbf", "xls": "xlsx"}.items():
