@@ -156,7 +156,7 @@ VOK_API bool vo_odbc_connect_open_driver(Ivo_odbc_connect* connection, void* win
 VOK_API const char* vo_odbc_connect_get_message(const Ivo_odbc_connect* connection);
 
 /* Appends the names of the tables and views, in the driver's order. A database's own system tables are left
- * out.
+ * out, and so are saved queries where the driver cannot read them (mdbtools).
  * @param sheets  appends also what spreadsheet drivers report as system tables when the name ends in
  *                `$` or `$'`: the sheets
  * A failure leaves the list as far as it came. */

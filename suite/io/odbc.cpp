@@ -82,16 +82,12 @@ bool endsWith(std::string_view text, std::string_view end) {
   return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-// mdbtools calls some of Access' own tables ordinary ones.
-bool isOwnTableOfAccess(const connection& base, std::string_view name) {
-  const std::string program = base.databaseProgram();
-  return (program == "MDBTOOLS" || program == "ACCESS") && name.substr(0, 4) == "MSys";
-}
-
-// Drivers may ignore the types that were asked for, so each entry is looked at.
-bool isWanted(const connection& base, std::string_view name, std::string_view type, bool sheets) {
+// Drivers may ignore the types that were asked for, so each entry is looked at. mdbtools calls some of Access'
+// own tables ordinary ones, and lists saved queries, which it cannot read.
+bool isWanted(std::string_view name, std::string_view type, bool sheets, bool byMdbtools) {
   if (type == "SYSTEM TABLE") return sheets && (endsWith(name, "$") || endsWith(name, "$'"));
-  return (type == "TABLE" || type == "VIEW") && !isOwnTableOfAccess(base, name);
+  if (type == "VIEW") return !byMdbtools;
+  return type == "TABLE" && !(byMdbtools && name.substr(0, 4) == "MSys");
 }
 
 void addEntries(vo_strings* list, const std::vector<suiteIo::odbcEntry>& entries) {
@@ -210,6 +206,7 @@ void vo_odbc_connect_get_tables(Ivo_odbc_connect* connection, vo_strings* list, 
   const SQLRETURN result = SQLTables(statement.get(), nullptr, 0, nullptr, 0, nullptr, 0,
                                      bytesOf(types), static_cast<SQLSMALLINT>(types.size()));
   if (!base.check(result, SQL_HANDLE_STMT, statement.get())) return;
+  const bool byMdbtools = base.databaseProgram() == "MDBTOOLS";
   suiteIo::odbcValues values;
   std::string name;
   std::string type;
@@ -220,7 +217,7 @@ void vo_odbc_connect_get_tables(Ivo_odbc_connect* connection, vo_strings* list, 
                         values.read(statement.get(), tableNameColumn, SQL_VARCHAR, name) &&
                         values.read(statement.get(), tableTypeColumn, SQL_VARCHAR, type);
     if (!base.check(isRead ? SQL_SUCCESS : SQL_ERROR, SQL_HANDLE_STMT, statement.get())) return;
-    if (isWanted(base, name, type, sheets)) vo_strings_add(list, name.c_str());
+    if (isWanted(name, type, sheets, byMdbtools)) vo_strings_add(list, name.c_str());
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <optional>
 
 namespace suiteIo {
 namespace {
@@ -46,16 +47,17 @@ std::string lowered(std::string_view text) {
   return result;
 }
 
-// The value of a part `key=value` with this key, as it is written; null for every other part.
-const char* valueOf(const std::string& part, std::string_view key) {
+// The value of a part `key=value` with this key, as it is written; nothing for every other part.
+std::optional<std::string> valueOf(std::string_view part, std::string_view key) {
   const std::size_t equals = part.find('=');
-  if (equals == std::string::npos || lowered(part.substr(0, equals)) != key) return nullptr;
-  return part.c_str() + equals + 1;
+  if (equals == std::string_view::npos || lowered(part.substr(0, equals)) != key)
+    return std::nullopt;
+  return std::string(part.substr(equals + 1));
 }
 
 std::string valueOf(const std::vector<std::string>& parts, std::string_view key) {
   for (const std::string& part : parts)
-    if (const char* const value = valueOf(part, key)) return value;
+    if (const auto value = valueOf(part, key)) return *value;
   return {};
 }
 
@@ -81,7 +83,7 @@ std::string libraryName(const std::string& driver, const std::vector<odbcEntry>&
 
 void turnSlashes(std::vector<std::string>& parts) {
   for (std::string& part : parts)
-    if (valueOf(part, "dbq") != nullptr || valueOf(part, "defaultdir") != nullptr)
+    if (valueOf(part, "dbq") || valueOf(part, "defaultdir"))
       std::replace(part.begin(), part.end(), '\\', '/');
 }
 
@@ -99,7 +101,7 @@ std::vector<odbcEntry> listDrivers(SQLHENV environment) {
   for (const listedEntry& entry : listEntries(environment, SQLDrivers)) {
     odbcEntry driver{entry.name, {}};
     for (std::size_t at = 0; at < entry.rest.size(); at += std::strlen(&entry.rest[at]) + 1)
-      if (const char* const library = valueOf(&entry.rest[at], "driver")) driver.library = library;
+      if (const auto library = valueOf(&entry.rest[at], "driver")) driver.library = *library;
     drivers.push_back(std::move(driver));
   }
   return drivers;

@@ -196,7 +196,8 @@ TEST_F(xlsOdbcReader, listsTablesWithoutTheDatabasesOwn) {
   tableReader_xlsODBC reader{tableReaderOptions(file.path())};
   std::vector<std::wstring> list;
   reader.tableList(list);
-  EXPECT_EQ(describe(list), "Order Details|q");
+  // mdbtools cannot read saved queries.
+  EXPECT_EQ(describe(list), "Order Details");
 }
 
 TEST_F(xlsOdbcReader, withoutANameTheFirstTableIsRead) {
