@@ -67,6 +67,7 @@ foreach(script IN LISTS tool_tests)
   cmake_path(GET script STEM name)
   add_test(NAME tool.${name}
     COMMAND ${VOK_PYTHON} ${script} --tool "${tool_command}" --source ${PROJECT_SOURCE_DIR})
+  set_tests_properties(tool.${name} PROPERTIES ENVIRONMENT "VOK_REAL_FILES=${VOK_REAL_FILES}")
 endforeach()
 
 # --- the exported names, and what the library needs of the system ---------------------------------
