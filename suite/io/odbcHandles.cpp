@@ -33,7 +33,7 @@ bool isOneText() {
 odbcEnvironment makeEnvironment() {
   odbcEnvironment environment = allocate<SQL_HANDLE_ENV>(nullptr);
   if (!environment) return nullptr;
-  // The interface takes numbers of this kind in the place of a pointer.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): ODBC takes numbers of this kind in the place of a pointer
   auto* const version = reinterpret_cast<SQLPOINTER>(std::uintptr_t{SQL_OV_ODBC3});
   const SQLRETURN result =
       SQLSetEnvAttr(environment.get(), SQL_ATTR_ODBC_VERSION, version, SQL_IS_UINTEGER);

@@ -325,4 +325,10 @@ SQLRETURN SQL_API SQLGetDiagRec(SQLSMALLINT, SQLHANDLE handle, SQLSMALLINT recor
   return SQL_SUCCESS;
 }
 
+// unixODBC asks SQLGetDiagRec only of drivers that have this too.
+SQLRETURN SQL_API SQLGetDiagField(SQLSMALLINT, SQLHANDLE, SQLSMALLINT, SQLSMALLINT, SQLPOINTER,
+                                  SQLSMALLINT, SQLSMALLINT*) {
+  return SQL_NO_DATA;
+}
+
 }  // extern "C"
