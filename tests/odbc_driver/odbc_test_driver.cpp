@@ -14,11 +14,13 @@
 // Values must be asked for in the order of their columns, as strict drivers want it. A value of type -4
 // (pictures) is given as bytes alone. A data source whose name holds "Refusing" refuses every file.
 //
-// Under Wine this is a driver of the system below: drive letters are taken off, `\` becomes `/`.
+// Under Wine this is a driver of the system below, and finds its files where Wine keeps the drives.
 #include <sql.h>
 #include <sqlext.h>
 
 #include <algorithm>
+#include <cctype>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <map>
@@ -148,9 +150,11 @@ std::string keyOf(const std::string& connectionString, const std::string& key) {
 }
 
 std::string nativePath(std::string path) {
-  if (path.size() > 1 && path[1] == ':') path.erase(0, 2);
   std::replace(path.begin(), path.end(), '\\', '/');
-  return path;
+  const char* const prefix = std::getenv("WINEPREFIX");
+  if (prefix == nullptr || path.size() < 2 || path[1] != ':') return path;
+  path[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(path[0])));
+  return std::string(prefix) + "/dosdevices/" + path;
 }
 
 void put(const std::string& text, SQLCHAR* to, SQLSMALLINT room, SQLSMALLINT* length) {
