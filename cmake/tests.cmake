@@ -30,7 +30,8 @@ add_executable(vok_tests ${test_sources})
 target_compile_definitions(vok_tests PRIVATE
   VOK_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
   VOK_TEST_FIXTURES="${PROJECT_SOURCE_DIR}/tests/fixtures"
-  VOK_EXAMPLES="${PROJECT_SOURCE_DIR}/examples")
+  VOK_EXAMPLES="${PROJECT_SOURCE_DIR}/examples"
+  VOK_ODBC_TESTS="${PROJECT_BINARY_DIR}/odbc_tests")
 target_link_libraries(vok_tests PRIVATE vok_table_rw_vc_static vok_converter_parts ZLIB::ZLIB gtest_main)
 vok_options(vok_tests)
 target_compile_options(vok_tests PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O1>
@@ -49,6 +50,8 @@ target_link_libraries(fake_converter PRIVATE vok_converter_parts)
 vok_options(fake_converter)
 add_dependencies(vok_tests fake_converter vok_xls2csv)
 
+include(cmake/odbc_tests.cmake)
+
 # Tests are listed when ctest starts, not while building: under Wine a build has no session to run in.
 include(GoogleTest)
 # Parameter values stay out of the names: a structure is shown as its bytes, which hold addresses.
@@ -56,4 +59,5 @@ include(GoogleTest)
 set(VOK_REAL_FILES ${PROJECT_SOURCE_DIR}/../shared/testdata CACHE PATH
   "Folder of real sample files, by format, for tests that use them where they are at hand")
 gtest_discover_tests(vok_tests NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
-  PROPERTIES ENVIRONMENT "VOK_REAL_FILES=${VOK_REAL_FILES}")
+  PROPERTIES ENVIRONMENT
+    "VOK_REAL_FILES=${VOK_REAL_FILES}\\;ODBCSYSINI=${vok_odbc_tests}\\;ODBCINI=${vok_odbc_tests}/odbc.ini")

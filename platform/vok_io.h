@@ -1,4 +1,4 @@
-/* vok_io, SQLite: a database, its statements, their rows. Plain C.
+/* vok_io: databases through SQLite's engine, and through the machine's ODBC drivers. Plain C.
  *
  *     Ivo_sqlite_db* database = vo_sqlite_db_open(L"project.well2", 0);
  *     Ivo_sqlite_stmt* wells = vo_sqlite_db_query_stmt(database, L"SELECT name FROM well_base", 1);
@@ -6,20 +6,24 @@
  *     vo_sqlite_stmt_destroy(wells);
  *     vo_sqlite_db_close(database);
  *
- * Text: wide strings end at their NUL; a lone surrogate reaches the engine as U+FFFD. Text of the
+ * SQLite's text: wide strings end at their NUL; a lone surrogate reaches the engine as U+FFFD. Text of the
  * database is UTF-8 (the engine brings UTF-16 databases to it); what is broken in it comes out as code
  * page 65001 decodes it: see codePages.h. A string adapter takes text up to its first NUL.
- * Errors: null, false and 0; no messages. Every function accepts a null handle.
- * Threads: a database and its statements belong to one thread; nothing is locked inside.
+ * ODBC's text: narrow strings in the system's code page, up to their NUL.
+ * Errors: null, false, 0 and empty text; the driver's own words where a function says so. Every function
+ * accepts a null handle.
+ * Threads: a database or a connection and its statements belong to one thread; nothing is locked inside.
  * Nothing throws but allocation failure. */
 #ifndef VOK_PLATFORM_VOK_IO_H
 #define VOK_PLATFORM_VOK_IO_H
 
 #include <stdbool.h>
 #include <stddef.h>
+#include <stdint.h>
 #include <wchar.h>
 
 #include "platform/vok_basic.h"
+#include "platform/vok_export.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -28,7 +32,7 @@ extern "C" {
 typedef struct Ivo_sqlite_db Ivo_sqlite_db;
 typedef struct Ivo_sqlite_stmt Ivo_sqlite_stmt;
 
-/* ---- databases ---- */
+/* ---- SQLite: databases ---- */
 
 /* Opens a database: for a plain path read-write (read-only where no more is allowed), the file being
  * created when it is missing; `:memory:` is a database of its own without a file.
@@ -66,7 +70,7 @@ bool vo_sqlite_db_execute(Ivo_sqlite_db* database, const wchar_t* sql);
 Ivo_sqlite_stmt* vo_sqlite_db_query_stmt(Ivo_sqlite_db* database, const wchar_t* sql,
                                          int base_type);
 
-/* ---- statements ---- */
+/* ---- SQLite: statements ---- */
 
 /* Steps to the next row.
  * @return true while there is one. After the last row, and after a failure, it stays false: a statement
@@ -100,6 +104,105 @@ int vo_sqlite_stmt_get_int(Ivo_sqlite_stmt* statement, int column);
 double vo_sqlite_stmt_get_dbl(Ivo_sqlite_stmt* statement, int column);
 
 void vo_sqlite_stmt_destroy(Ivo_sqlite_stmt* statement);
+
+/* ---- ODBC: what the machine has ----
+ *
+ * Access databases, spreadsheets and the like, through the driver manager of the system (unixODBC, odbc32)
+ * and its narrow functions.
+ *
+ *     Ivo_odbc_connect* base = vo_odbc_connect_create();
+ *     if (vo_odbc_connect_open_driver(base, 0, "DSN=MS Access Database;DBQ=C:\\base.mdb;")) {
+ *       Ivo_odbc_stmt* wells = vo_odbc_connect_create_stmt(base);
+ *       vo_odbc_stmt_set_sql(wells, "select * from [wells]");
+ *       if (vo_odbc_stmt_exec_direct(wells) && vo_odbc_stmt_get_fields_desc(wells)) {
+ *         Ivo_odbc_field* name = vo_odbc_fields_get_field(vo_odbc_stmt_get_fields(wells), 0);
+ *         while (vo_odbc_stmt_fetch(wells)) puts(vo_odbc_field_get_as_string(name));
+ *       }
+ *       vo_odbc_connect_destroy_stmt(base, wells);
+ *     }
+ *     vo_odbc_connect_destroy(base);
+ *
+ * Drivers on Linux speak UTF-8; where the system's code page is another one, their text is converted to it
+ * and back. What certain drivers do otherwise than the rest is evened out here: see docs/odbc.md. */
+
+typedef struct Ivo_odbc_connect Ivo_odbc_connect;
+typedef struct Ivo_odbc_stmt Ivo_odbc_stmt;
+typedef struct Ivo_odbc_fields Ivo_odbc_fields;
+typedef struct Ivo_odbc_field Ivo_odbc_field;
+
+/* Appends the names of the data sources, the user's and the system's, in the driver manager's order. */
+VOK_API void vo_odbc_get_data_sources(vo_strings* list);
+
+/* Appends the names of the installed drivers, in the driver manager's order. */
+VOK_API void vo_odbc_get_drivers(vo_strings* list);
+
+/* The driver manager's name and the version of ODBC that it implements: "unixODBC 03.52". Appends nothing
+ * when it does not work at all. */
+VOK_API void vo_odbc_get_manager(vo_strings* list);
+
+/* ---- ODBC: connections ---- */
+
+/* A connection that is not open yet, for vo_odbc_connect_destroy. */
+VOK_API Ivo_odbc_connect* vo_odbc_connect_create(void);
+
+/* Opens the connection with a connection string. What was open before is closed.
+ * @param window  where a driver may ask the user for what is missing; none is ever asked, so 0
+ * @return false when the driver manager or the driver refuses; vo_odbc_connect_get_message says why */
+VOK_API bool vo_odbc_connect_open_driver(Ivo_odbc_connect* connection, void* window,
+                                         const char* text);
+
+/* What the driver manager and the driver said about the last failure on this connection or one of its
+ * statements, one line each; empty when nothing has failed or nothing was said. Never null; it lives until
+ * the next call on this connection. */
+VOK_API const char* vo_odbc_connect_get_message(const Ivo_odbc_connect* connection);
+
+/* Appends the names of the tables and views, in the driver's order. A database's own system tables are left
+ * out, and so are saved queries where the driver cannot read them (mdbtools).
+ * @param sheets  appends also what spreadsheet drivers report as system tables when the name ends in
+ *                `$` or `$'`: the sheets
+ * A failure leaves the list as far as it came. */
+VOK_API void vo_odbc_connect_get_tables(Ivo_odbc_connect* connection, vo_strings* list,
+                                        bool sheets);
+
+/* A statement of an open connection, without SQL yet, for vo_odbc_connect_destroy_stmt.
+ * @return null when the connection is not open or the driver refuses */
+Ivo_odbc_stmt* vo_odbc_connect_create_stmt(Ivo_odbc_connect* connection);
+void vo_odbc_connect_destroy_stmt(Ivo_odbc_connect* connection, Ivo_odbc_stmt* statement);
+
+/* Closes and frees the connection. Statements that are left of it keep it open until they are destroyed. */
+VOK_API void vo_odbc_connect_destroy(Ivo_odbc_connect* connection);
+
+/* ---- ODBC: statements ---- */
+
+/* The SQL for the next vo_odbc_stmt_exec_direct; null is the empty text. */
+void vo_odbc_stmt_set_sql(Ivo_odbc_stmt* statement, const char* sql);
+
+/* Runs the SQL; what ran before on this statement is closed, its fields are forgotten. */
+bool vo_odbc_stmt_exec_direct(Ivo_odbc_stmt* statement);
+
+/* Asks for the columns of the result. @return false when the driver fails; there are no fields then */
+bool vo_odbc_stmt_get_fields_desc(Ivo_odbc_stmt* statement);
+
+/* The columns that were asked for; they live as long as the statement, until it runs again. */
+Ivo_odbc_fields* vo_odbc_stmt_get_fields(Ivo_odbc_stmt* statement);
+uint32_t vo_odbc_fields_get_size(const Ivo_odbc_fields* fields);
+/* @return null when there is no such column */
+Ivo_odbc_field* vo_odbc_fields_get_field(Ivo_odbc_fields* fields, uint32_t index);
+
+const char* vo_odbc_field_get_name(const Ivo_odbc_field* field);
+/* The ODBC SQL type: 4 INTEGER, 8 DOUBLE, 12 VARCHAR, -1 LONGVARCHAR ... */
+int16_t vo_odbc_field_get_type(const Ivo_odbc_field* field);
+
+/* Steps to the next row. @return false behind the last one and when the driver fails, then for good */
+bool vo_odbc_stmt_fetch(Ivo_odbc_stmt* statement);
+
+/* The column's value in the current row as the driver's text, whole whatever its length; bytes of pictures
+ * and the like as hexadecimal digits. NULL, a value that the driver fails to give, and a value while there
+ * is no row are empty. Any order of columns will do; never null; it lives until the next row. */
+const char* vo_odbc_field_get_as_string(Ivo_odbc_field* field);
+
+/* True when the driver failed to give a row or a value since the SQL ran: what was read is not all. */
+bool vo_odbc_stmt_has_failed(const Ivo_odbc_stmt* statement);
 
 #ifdef __cplusplus
 }

@@ -84,6 +84,13 @@ void addCommands(CLI::App& tool, commandLine& request) {
   addOption(convert, "--fields", request.targetFields, "FIELD=TYPE,...",
             "Types of a DBF file: C20, N10.2, D; chosen from the data when not given");
 
+  CLI::App* const doctor = tool.add_subcommand(
+      "doctor", "Tell what this machine has for reading tables, and what a file lacks");
+  doctor->group("Commands");
+  doctor->add_option("FILE", request.reading.file, "A file to try")->type_name("");
+  addOption(*doctor, "--type", request.reading.type, "TYPE",
+            "Format, by name or number:\n" + fileTypeNames());
+
   tool.add_subcommand("formats", "List the formats, and what this version does with each")
       ->group("Commands");
   tool.add_subcommand("version", "Print the version")->group("Commands");

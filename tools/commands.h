@@ -16,6 +16,7 @@ exitCode showAllRows(const commandLine& request, toolContext& context);
 exitCode countRows(const commandLine& request, toolContext& context);
 exitCode listRejectedLines(const commandLine& request, toolContext& context);
 exitCode findValues(const commandLine& request, toolContext& context);
+exitCode examineMachine(const commandLine& request, toolContext& context);
 exitCode convertTable(const commandLine& request, toolContext& context);
 
 }  // namespace vokTable

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "platform/caseFolding.h"
+#include "platform/vok_basic.h"
 #include "table_rw/core/tableReader.h"
 #include "tools/tableDrawing.h"
 #include "tools/text.h"
@@ -107,6 +108,11 @@ std::int32_t typeForExtension(const std::wstring& path) {
 }
 
 bool isChosenByExtension(const std::wstring& path) { return formatOfPath(path) != nullptr; }
+
+std::wstring converterPath() {
+  const std::wstring program = vo_options_get_main_module_path();
+  return program.substr(0, program.find_last_of(L"/\\") + 1) + L"vok_xls2csv.exe";
+}
 
 bool isDelimitedText(std::int32_t fileType, const std::wstring& path) {
   const format* const found = formatOf(fileType, path);

@@ -31,6 +31,9 @@ std::int32_t typeForExtension(const std::wstring& path);
 /// True when the automatic choice knows the path's extension and need not look into the file.
 bool isChosenByExtension(const std::wstring& path);
 
+/// Where the converter of spreadsheets stands when it is installed: beside the program.
+std::wstring converterPath();
+
 /// True for delimited text: chosen by its type, or automatically for .csv and unknown extensions.
 bool isDelimitedText(std::int32_t fileType, const std::wstring& path);
 

@@ -41,6 +41,7 @@ constexpr struct {
     {"errors",  listRejectedLines},
     {"find",    findValues       },
     {"convert", convertTable     },
+    {"doctor",  examineMachine   },
     {"formats", listFormats      },
     {"version", showVersion      },
 };

@@ -8,6 +8,7 @@
 
 #include "platform/files.h"
 #include "tools/formats.h"
+#include "tools/odbcSources.h"
 #include "tools/progress.h"
 #include "tools/text.h"
 
@@ -89,6 +90,8 @@ exitCode openSource(const readingArguments& arguments, toolContext& context,
   if (!platform::isPipeOrDevice(options->path) &&
       explainUnreadable(options->path, context.messages))
     return exitCode::cannotOpen;
+  const exitCode reached = checkOdbcSource(*options, context.messages);
+  if (reached != exitCode::clean) return reached;
   readerPointer opened(tableRW::tableReader::open(*options));
   if (opened->path().empty()) return explainNothingReads(*options, context.messages);
   reader = std::move(opened);

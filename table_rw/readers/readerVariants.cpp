@@ -6,9 +6,11 @@
 #include "table_rw/readers/tableReader_csv.h"
 #include "table_rw/readers/tableReader_dbf.h"
 #include "table_rw/readers/tableReader_dummy.h"
+#include "table_rw/readers/tableReader_micromineDHDB.h"
 #include "table_rw/readers/tableReader_micromineDat.h"
 #include "table_rw/readers/tableReader_petrel.h"
 #include "table_rw/readers/tableReader_sqlite.h"
+#include "table_rw/readers/tableReader_xlsODBC.h"
 #include "table_rw/readers/tableReader_xlsOLE.h"
 
 namespace tableRW {
@@ -19,19 +21,18 @@ tableReader* make(tableReaderOptions options) {
   return new Variant(std::move(options));
 }
 
-// The formats that this version does not read yet stand here with the reader that reads nothing, so
-// that a source of such a format is never mistaken for delimited text.
+// ODD: one reader for spreadsheets and Access behind ODBC; the two file types differ in name alone.
 // clang-format off
 constexpr readerVariant variants[] = {
-    {fileTypeCsv,           {L"csv"},                            nullptr,                nullptr,     make<tableReader_csv>         },
-    {fileTypeXlsConverter,  {L"xls", L"xlsx"},                   converterProgramExists, nullptr,     make<tableReader_xlsOLE>      },
-    {fileTypeXlsOdbc,       {L"xls", L"xlsx", L"mdb", L"accdb"}, nullptr,                nullptr,     makeDummyReader               },
-    {fileTypeAccessOdbc,    {},                                  nullptr,                nullptr,     makeDummyReader               },
-    {fileTypeDbf,           {L"dbf"},                            nullptr,                nullptr,     make<tableReader_dbf>         },
-    {fileTypeSqlite,        {L"sqlite", L"well2"},               nullptr,                nullptr,     make<tableReader_sqlite>      },
-    {fileTypeMicromineData, {L"micromine"},                      nullptr,                nullptr,     make<tableReader_micromineDat>},
-    {fileTypeMicromineDhdb, {L"dhdb"},                           nullptr,                nullptr,     makeDummyReader               },
-    {fileTypePetrel,        {},                                  nullptr,                L"# Petrel", make<tableReader_petrel>      },
+    {fileTypeCsv,           {L"csv"},                            nullptr,                nullptr,       make<tableReader_csv>         },
+    {fileTypeXlsConverter,  {L"xls", L"xlsx"},                   converterProgramExists, nullptr,       make<tableReader_xlsOLE>      },
+    {fileTypeXlsOdbc,       {L"xls", L"xlsx", L"mdb", L"accdb"}, nullptr,                nullptr,       make<tableReader_xlsODBC>     },
+    {fileTypeAccessOdbc,    {},                                  nullptr,                nullptr,       make<tableReader_xlsODBC>     },
+    {fileTypeDbf,           {L"dbf"},                            nullptr,                nullptr,       make<tableReader_dbf>         },
+    {fileTypeSqlite,        {L"sqlite", L"well2"},               nullptr,                nullptr,       make<tableReader_sqlite>      },
+    {fileTypeMicromineData, {L"micromine"},                      nullptr,                nullptr,       make<tableReader_micromineDat>},
+    {fileTypeMicromineDhdb, {L"dhdb"},                           nullptr,                nullptr,       make<tableReader_micromineDHDB>},
+    {fileTypePetrel,        {},                                  nullptr,                L"# Petrel",   make<tableReader_petrel>      },
 };
 // clang-format on
 

@@ -84,7 +84,8 @@ class Unavailable(CaseTest):
 
     def test_reading_by_extension(self):
         for name, row in self.formats().items():
-            if row[3] == "yes" or name not in self.EXTENSIONS:
+            # Without the converter a spreadsheet is a matter of ODBC, which odbc_test.py looks at.
+            if row[3] == "yes" or name == "xls" or name not in self.EXTENSIONS:
                 continue
             file = "t." + self.EXTENSIONS[name].upper()
             self.write({file: "a\n1\n"})

@@ -1,0 +1,304 @@
+// vo_odbc_*: vok_io's ODBC operations over the driver manager.
+#include <array>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/vok_io.h"
+#include "suite/io/odbcHandles.h"
+#include "suite/io/odbcSources.h"
+#include "suite/io/odbcValues.h"
+
+using suiteIo::allocate;
+using suiteIo::bytesOf;
+using suiteIo::fromDriver;
+using suiteIo::odbcEnvironment;
+using suiteIo::odbcHandle;
+
+namespace {
+
+// Columns of the rows that SQLTables gives.
+constexpr SQLUSMALLINT tableNameColumn = 3;
+constexpr SQLUSMALLINT tableTypeColumn = 4;
+
+#ifdef _WIN32
+constexpr const char* managerName = "odbc32";
+#else
+constexpr const char* managerName = "unixODBC";
+#endif
+
+// A connection that is open, or what a failed attempt leaves.
+struct connection {
+  odbcEnvironment environment = suiteIo::makeEnvironment();
+  odbcHandle<SQL_HANDLE_DBC> handle;
+  bool open = false;
+  std::string message;
+
+  connection() = default;
+  connection(const connection&) = delete;
+  connection& operator=(const connection&) = delete;
+  ~connection() {
+    if (open) SQLDisconnect(handle.get());
+  }
+
+  // Keeps what is said about a failure. @return whether the call succeeded
+  bool check(SQLRETURN result, SQLSMALLINT kind, SQLHANDLE source) {
+    if (SQL_SUCCEEDED(result)) return true;
+    message = suiteIo::diagnosticsOf(kind, source);
+    return false;
+  }
+
+  void connect(const char* text) {
+    if (environment) handle = allocate<SQL_HANDLE_DBC>(environment.get());
+    if (!handle) {
+      message = "the driver manager gives no handle";
+      return;
+    }
+    const std::string fitted = suiteIo::fittedConnectionString(
+        suiteIo::toDriver(text), suiteIo::listDataSources(environment.get()),
+        suiteIo::listDrivers(environment.get()));
+    // Drivers may leave the completed string untouched; nothing here looks at it.
+    std::array<SQLCHAR, 1024> completed = {};
+    SQLSMALLINT length = 0;
+    const SQLRETURN result =
+        SQLDriverConnect(handle.get(), nullptr, bytesOf(fitted), SQL_NTS, completed.data(),
+                         static_cast<SQLSMALLINT>(completed.size()), &length, SQL_DRIVER_NOPROMPT);
+    open = check(result, SQL_HANDLE_DBC, handle.get());
+  }
+
+  // What the driver calls the database program; empty when it does not tell.
+  std::string databaseProgram() const {
+    std::array<char, 256> name = {};
+    SQLSMALLINT length = 0;
+    SQLGetInfo(handle.get(), SQL_DBMS_NAME, name.data(), static_cast<SQLSMALLINT>(name.size() - 1),
+               &length);
+    return name.data();
+  }
+};
+
+bool endsWith(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+// Drivers may ignore the types that were asked for, so each entry is looked at. mdbtools calls some of Access'
+// own tables ordinary ones, and lists saved queries, which it cannot read.
+bool isWanted(std::string_view name, std::string_view type, bool sheets, bool byMdbtools) {
+  if (type == "SYSTEM TABLE") return sheets && (endsWith(name, "$") || endsWith(name, "$'"));
+  if (type == "VIEW") return !byMdbtools;
+  return type == "TABLE" && !(byMdbtools && name.substr(0, 4) == "MSys");
+}
+
+void addEntries(vo_strings* list, const std::vector<suiteIo::odbcEntry>& entries) {
+  for (const suiteIo::odbcEntry& entry : entries)
+    vo_strings_add(list, fromDriver(entry.name).c_str());
+}
+
+}  // namespace
+
+struct Ivo_odbc_connect {
+  std::shared_ptr<connection> current = std::make_shared<connection>();
+};
+
+struct Ivo_odbc_field {
+  Ivo_odbc_stmt* statement;
+  SQLUSMALLINT number;  // from 1
+  std::string name;
+  SQLSMALLINT type;
+  std::string value;
+};
+
+struct Ivo_odbc_fields {
+  std::vector<Ivo_odbc_field> columns;
+};
+
+struct Ivo_odbc_stmt {
+  std::shared_ptr<connection> base;  // before the handle, so that it is freed after it
+  odbcHandle<SQL_HANDLE_STMT> handle;
+  std::string sql;
+  Ivo_odbc_fields fields;
+  suiteIo::odbcValues values;
+  std::size_t columnsRead = 0;  // of the current row
+  bool onRow = false;
+  bool ended = true;  // nothing more can be fetched
+  bool failed = false;
+
+  bool check(SQLRETURN result) { return base->check(result, SQL_HANDLE_STMT, handle.get()); }
+
+  bool describe(SQLUSMALLINT number) {
+    std::vector<SQLCHAR> name(256);
+    while (true) {
+      SQLSMALLINT length = 0;
+      SQLSMALLINT type = 0;
+      SQLULEN size = 0;
+      SQLSMALLINT decimals = 0;
+      SQLSMALLINT nullable = 0;
+      const SQLRETURN result =
+          SQLDescribeCol(handle.get(), number, name.data(), static_cast<SQLSMALLINT>(name.size()),
+                         &length, &type, &size, &decimals, &nullable);
+      if (!check(result)) return false;
+      if (length < 0) length = 0;
+      const auto nameLength = static_cast<std::size_t>(length);
+      if (nameLength >= name.size()) {
+        name.assign(nameLength + 1, 0);
+        continue;
+      }
+      fields.columns.push_back(
+          {this, number, fromDriver(std::string(name.begin(), name.begin() + length)), type, {}});
+      return true;
+    }
+  }
+
+  // Many drivers give the values of a row in their order only, and each once.
+  void readUpTo(SQLUSMALLINT number) {
+    while (onRow && columnsRead < number) {
+      Ivo_odbc_field& field = fields.columns[columnsRead++];
+      if (values.read(handle.get(), field.number, field.type, field.value)) continue;
+      base->message = suiteIo::diagnosticsOf(SQL_HANDLE_STMT, handle.get());
+      failed = ended = true;
+      onRow = false;
+    }
+  }
+};
+
+void vo_odbc_get_data_sources(vo_strings* list) {
+  addEntries(list, suiteIo::listDataSources(suiteIo::makeEnvironment().get()));
+}
+
+void vo_odbc_get_drivers(vo_strings* list) {
+  addEntries(list, suiteIo::listDrivers(suiteIo::makeEnvironment().get()));
+}
+
+void vo_odbc_get_manager(vo_strings* list) {
+  const odbcEnvironment environment = suiteIo::makeEnvironment();
+  if (!environment) return;
+  const auto handle = allocate<SQL_HANDLE_DBC>(environment.get());
+  if (!handle) return;
+  std::array<char, 64> version = {};
+  SQLSMALLINT length = 0;
+  SQLGetInfo(handle.get(), SQL_ODBC_VER, version.data(),
+             static_cast<SQLSMALLINT>(version.size() - 1), &length);
+  std::string text = managerName;
+  if (version[0] != '\0') text.append(" ").append(version.data());
+  vo_strings_add(list, text.c_str());
+}
+
+Ivo_odbc_connect* vo_odbc_connect_create(void) { return new Ivo_odbc_connect; }
+
+bool vo_odbc_connect_open_driver(Ivo_odbc_connect* connection, void*, const char* text) {
+  if (connection == nullptr) return false;
+  connection->current = std::make_shared<struct connection>();
+  connection->current->connect(text == nullptr ? "" : text);
+  return connection->current->open;
+}
+
+const char* vo_odbc_connect_get_message(const Ivo_odbc_connect* connection) {
+  return connection == nullptr ? "" : connection->current->message.c_str();
+}
+
+void vo_odbc_connect_get_tables(Ivo_odbc_connect* connection, vo_strings* list, bool sheets) {
+  if (connection == nullptr || !connection->current->open) return;
+  struct connection& base = *connection->current;
+  const auto statement = allocate<SQL_HANDLE_STMT>(base.handle.get());
+  if (!base.check(statement ? SQL_SUCCESS : SQL_ERROR, SQL_HANDLE_DBC, base.handle.get())) return;
+  const std::string types = sheets ? "TABLE,VIEW,SYSTEM TABLE" : "TABLE,VIEW";
+  const SQLRETURN result = SQLTables(statement.get(), nullptr, 0, nullptr, 0, nullptr, 0,
+                                     bytesOf(types), static_cast<SQLSMALLINT>(types.size()));
+  if (!base.check(result, SQL_HANDLE_STMT, statement.get())) return;
+  const bool byMdbtools = base.databaseProgram() == "MDBTOOLS";
+  suiteIo::odbcValues values;
+  std::string name;
+  std::string type;
+  while (true) {
+    const SQLRETURN fetched = SQLFetch(statement.get());
+    if (fetched == SQL_NO_DATA) return;
+    const bool isRead = SQL_SUCCEEDED(fetched) &&
+                        values.read(statement.get(), tableNameColumn, SQL_VARCHAR, name) &&
+                        values.read(statement.get(), tableTypeColumn, SQL_VARCHAR, type);
+    if (!base.check(isRead ? SQL_SUCCESS : SQL_ERROR, SQL_HANDLE_STMT, statement.get())) return;
+    if (isWanted(name, type, sheets, byMdbtools)) vo_strings_add(list, name.c_str());
+  }
+}
+
+Ivo_odbc_stmt* vo_odbc_connect_create_stmt(Ivo_odbc_connect* connection) {
+  if (connection == nullptr || !connection->current->open) return nullptr;
+  struct connection& base = *connection->current;
+  auto statement = std::make_unique<Ivo_odbc_stmt>();
+  statement->base = connection->current;
+  statement->handle = allocate<SQL_HANDLE_STMT>(base.handle.get());
+  const bool made =
+      base.check(statement->handle ? SQL_SUCCESS : SQL_ERROR, SQL_HANDLE_DBC, base.handle.get());
+  return made ? statement.release() : nullptr;
+}
+
+void vo_odbc_connect_destroy_stmt(Ivo_odbc_connect*, Ivo_odbc_stmt* statement) { delete statement; }
+
+void vo_odbc_connect_destroy(Ivo_odbc_connect* connection) { delete connection; }
+
+void vo_odbc_stmt_set_sql(Ivo_odbc_stmt* statement, const char* sql) {
+  if (statement != nullptr) statement->sql = suiteIo::toDriver(sql == nullptr ? "" : sql);
+}
+
+bool vo_odbc_stmt_exec_direct(Ivo_odbc_stmt* statement) {
+  if (statement == nullptr) return false;
+  SQLFreeStmt(statement->handle.get(), SQL_CLOSE);
+  statement->fields.columns.clear();
+  statement->onRow = statement->failed = false;
+  const SQLRETURN result = SQLExecDirect(statement->handle.get(), bytesOf(statement->sql), SQL_NTS);
+  // A statement that changes rows, and found none, has run too.
+  const bool hasRun = result == SQL_NO_DATA || statement->check(result);
+  statement->ended = !hasRun || result == SQL_NO_DATA;
+  return hasRun;
+}
+
+bool vo_odbc_stmt_get_fields_desc(Ivo_odbc_stmt* statement) {
+  if (statement == nullptr) return false;
+  statement->fields.columns.clear();
+  SQLSMALLINT count = 0;
+  bool described = statement->check(SQLNumResultCols(statement->handle.get(), &count));
+  for (int number = 1; described && number <= count; ++number)
+    described = statement->describe(static_cast<SQLUSMALLINT>(number));
+  if (!described) statement->fields.columns.clear();
+  return described;
+}
+
+Ivo_odbc_fields* vo_odbc_stmt_get_fields(Ivo_odbc_stmt* statement) {
+  return statement == nullptr ? nullptr : &statement->fields;
+}
+
+uint32_t vo_odbc_fields_get_size(const Ivo_odbc_fields* fields) {
+  return fields == nullptr ? 0 : static_cast<uint32_t>(fields->columns.size());
+}
+
+Ivo_odbc_field* vo_odbc_fields_get_field(Ivo_odbc_fields* fields, uint32_t index) {
+  return index < vo_odbc_fields_get_size(fields) ? &fields->columns[index] : nullptr;
+}
+
+const char* vo_odbc_field_get_name(const Ivo_odbc_field* field) {
+  return field == nullptr ? nullptr : field->name.c_str();
+}
+
+int16_t vo_odbc_field_get_type(const Ivo_odbc_field* field) {
+  return field == nullptr ? int16_t{0} : field->type;
+}
+
+bool vo_odbc_stmt_fetch(Ivo_odbc_stmt* statement) {
+  if (statement == nullptr || statement->ended) return false;
+  statement->columnsRead = 0;
+  const SQLRETURN result = SQLFetch(statement->handle.get());
+  statement->onRow = SQL_SUCCEEDED(result);
+  statement->ended = !statement->onRow;
+  statement->failed = result != SQL_NO_DATA && !statement->check(result);
+  return statement->onRow;
+}
+
+const char* vo_odbc_field_get_as_string(Ivo_odbc_field* field) {
+  if (field == nullptr) return "";
+  field->statement->readUpTo(field->number);
+  return field->statement->onRow ? field->value.c_str() : "";
+}
+
+bool vo_odbc_stmt_has_failed(const Ivo_odbc_stmt* statement) {
+  return statement != nullptr && statement->failed;
+}

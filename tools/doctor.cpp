@@ -1,0 +1,118 @@
+// The command `doctor`: what this machine has for reading tables, what is missing, and for a file how far
+// it gets.
+#include <fmt/format.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/codePages.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "tools/commands.h"
+#include "tools/formats.h"
+#include "tools/odbcSources.h"
+#include "tools/tableDrawing.h"
+#include "tools/text.h"
+
+namespace vokTable {
+namespace {
+
+class report {
+ public:
+  void add(std::string_view what, const std::string& found) {
+    rows_.push_back({toWide(what), toWide(found)});
+  }
+  void draw(dataOutput& output) const {
+    drawnTable table;
+    table.header = {L"what", L"found"};
+    table.visitRows = [this](const rowReceiver& receive) {
+      for (const tableRow& row : rows_)
+        if (!receive(row)) return;
+    };
+    drawTable(table, output);
+  }
+
+ private:
+  std::vector<tableRow> rows_;
+};
+
+void addAll(report& lines, std::string_view what, const std::vector<std::string>& names) {
+  if (names.empty()) lines.add(what, "none");
+  for (const std::string& name : names) lines.add(what, name);
+}
+
+void addLocale(report& lines) {
+  for (const wchar_t* const name : {L"LC_ALL", L"LC_CTYPE", L"LANG"}) {
+    const auto value = platform::environmentVariable(name);
+    if (!value || value->empty()) continue;
+    lines.add("locale", toUtf8(name) + "=" + toUtf8(*value));
+    return;
+  }
+  lines.add("locale", "none is set");
+}
+
+void addConverter(report& lines) {
+  const std::wstring path = converterPath();
+  const bool isThere = platform::fileExists(path);
+  lines.add("converter", toUtf8(path) + (isThere ? "" : " is missing"));
+  lines.add("spreadsheets by converter (.xls, .xlsx)",
+            isThere ? "ready" : "put vok_xls2csv.exe there, which comes with this program");
+}
+
+void addKind(report& lines, std::string_view what, odbcKind kind, const odbcMachine& machine) {
+  const std::vector<std::string> ways = waysFor(kind, machine);
+  lines.add(what, ways.empty() ? needsOf(kind, machine) : "ready: " + ways.front());
+}
+
+void addMachine(report& lines, const odbcMachine& machine) {
+  lines.add("ODBC driver manager", machine.manager.empty() ? "does not work" : machine.manager);
+  addAll(lines, "ODBC driver", machine.drivers);
+  addAll(lines, "ODBC data source", machine.dataSources);
+  lines.add("system code page",
+            std::to_string(platform::resolveCodePage(platform::systemCodePage)));
+  addLocale(lines);
+  addConverter(lines);
+  addKind(lines, "spreadsheets by ODBC (.xls, .xlsx)", odbcKind::excel, machine);
+  addKind(lines, "Access databases (.mdb, .accdb)", odbcKind::access, machine);
+  addKind(lines, "drill-hole databases (.dhdb)", odbcKind::drillHoles, machine);
+  lines.add("delimited text, DBF, SQLite", "ready: they need nothing more");
+}
+
+// How far a source gets; what stops it is explained on standard error.
+exitCode examine(const readingArguments& reading, report& lines, toolContext& context,
+                 const odbcMachine& machine) {
+  std::string problem;
+  const auto options = makeReaderOptions(reading, problem);
+  const odbcKind kind = options ? odbcKindOf(*options) : odbcKind::none;
+  if (kind != odbcKind::none && platform::fileExists(options->path))
+    for (const odbcAttempt& made : tryToReach(*options, kind, machine))
+      lines.add("connecting by " + made.name, made.connected ? "works" : made.message);
+  readerPointer reader;
+  const exitCode opened = openSource(reading, context, reader);
+  if (!reader) return opened;
+  std::vector<std::wstring> tables;
+  reader->tableList(tables);
+  for (const std::wstring& table : tables) lines.add("table", toUtf8(table));
+  if (!tables.empty()) return exitCode::clean;
+  context.messages.error(
+      fmt::format("{} holds no table that can be listed; check that the file is "
+                  "whole and of the kind that its name says",
+                  reading.file));
+  return exitCode::cannotOpen;
+}
+
+}  // namespace
+
+exitCode examineMachine(const commandLine& request, toolContext& context) {
+  report lines;
+  const odbcMachine machine = lookAtMachine();
+  addMachine(lines, machine);
+  const exitCode outcome = request.reading.file.empty()
+                               ? exitCode::clean
+                               : examine(request.reading, lines, context, machine);
+  lines.draw(context.output);
+  return outcome;
+}
+
+}  // namespace vokTable
