@@ -6,7 +6,8 @@
 //     sqliteodbc   creates a missing database                 NoCreat=1; is added
 //     all, POSIX   know `/` alone                             `\` in DBQ= and DefaultDir= becomes `/`
 //
-// Two more ways of mdbtools are seen to where tables are listed: see odbc.cpp. A driver is known by the file name of its library. Text here is the drivers'. No state; any thread.
+// Two more ways of mdbtools are seen to where tables are listed: see odbc.cpp. A driver is known by the file name
+// of its library. Text here is the drivers'. No state; any thread.
 #ifndef VOK_SUITE_IO_ODBCSOURCES_H
 #define VOK_SUITE_IO_ODBCSOURCES_H
 

@@ -40,10 +40,6 @@ std::vector<std::string> odbcDataSources() {
   return names;
 }
 
-bool isLimitReached(const valueTable& rows, std::int32_t limit) {
-  return limit != -1 && static_cast<std::int32_t>(rows.rowCount()) >= limit;
-}
-
 odbcSource::odbcSource()
     : connection_(vo_odbc_connect_create()),
       statement_(nullptr, statementCloser{connection_.get()}) {}
@@ -59,9 +55,16 @@ void odbcSource::listTables(std::vector<std::wstring>& names, bool sheets) {
     names.push_back(fromSystem(vo_strings_get_str(list.get(), i)));
 }
 
-bool odbcSource::selectFrom(const std::string& table) {
+bool odbcSource::selectFrom(const std::wstring& table, tableReader& lister) {
+  std::string name = toSystem(table);
+  if (name.empty()) {
+    std::vector<std::wstring> tables;
+    lister.tableList(tables);
+    if (tables.empty()) return false;
+    name = toSystem(tables.front());
+  }
   statement_.reset(vo_odbc_connect_create_stmt(connection_.get()));
-  const std::string sql = "select * from [" + table + "]";
+  const std::string sql = "select * from [" + name + "]";
   vo_odbc_stmt_set_sql(statement_.get(), sql.c_str());
   return vo_odbc_stmt_exec_direct(statement_.get());
 }
@@ -94,12 +97,18 @@ void odbcSource::addRow(valueTable& rows) {
     isEmpty = isEmpty && value.empty();
     rows.addValue(std::wstring_view(value));
   }
-  if (isEmpty || hasFailed())
+  if (isEmpty || vo_odbc_stmt_has_failed(statement_.get()))
     rows.dropRow();
   else
     rows.endRow();
 }
 
-bool odbcSource::hasFailed() const { return vo_odbc_stmt_has_failed(statement_.get()); }
+bool odbcSource::addRows(valueTable& rows, std::int32_t limit) {
+  while (fetch()) {
+    if (limit != -1 && static_cast<std::int32_t>(rows.rowCount()) >= limit) break;
+    addRow(rows);
+  }
+  return !vo_odbc_stmt_has_failed(statement_.get());
+}
 
 }  // namespace tableRW

@@ -1,8 +1,8 @@
 // What the two readers of ODBC sources share: a connection, its tables, and the result of one statement.
 //
 //     odbcSource source;
-//     if (!source.connect(connectionString) || !source.selectFrom(table)) return false;
-//     if (source.describe()) while (source.fetch()) source.addRow(rows);
+//     if (!source.connect(connectionString) || !source.selectFrom(table, *this)) return false;
+//     if (source.describe()) source.addRows(rows, limit);
 //
 // Text of drivers is narrow, in the system's code page. Everything is closed when the object goes, on
 // every path. Errors: false. One object, one thread at a time.
@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "platform/vok_io.h"
-#include "table_rw/core/tableReaderOptions.h"
+#include "table_rw/core/tableReader.h"
 #include "table_rw/core/valueTable.h"
 
 namespace tableRW {
@@ -27,9 +27,6 @@ std::string toSystem(const std::wstring& text);
 /// The names of the machine's data sources, in the system's code page.
 std::vector<std::string> odbcDataSources();
 
-/// Whether no more rows are to be added. ODD: only -1 is no limit; the numbers have 32 bits.
-bool isLimitReached(const valueTable& rows, std::int32_t limit);
-
 class odbcSource {
  public:
   odbcSource();
@@ -40,7 +37,9 @@ class odbcSource {
   void listTables(std::vector<std::wstring>& names, bool sheets);
 
   /// Runs "select * from [table]"; the name is put in as it is.
-  bool selectFrom(const std::string& table);
+  /// @param lister  asked for its tables when the name is empty: the first one is taken
+  /// @return false when the statement is refused, or there is no table
+  bool selectFrom(const std::wstring& table, tableReader& lister);
 
   /// Asks for the columns of the result; there are none before, and none when it fails.
   bool describe();
@@ -50,10 +49,10 @@ class odbcSource {
 
   /// Steps to the next row. @return false behind the last one, and when the driver fails
   bool fetch();
-  /// Adds the current row, unless all of its values are empty or the driver fails to give one.
-  void addRow(valueTable& rows);
-  /// True when the rows are not all: the driver has failed on the way.
-  bool hasFailed() const;
+  /// Adds the rows that are left, but for those whose values are all empty.
+  /// @param limit  rows that the table may hold. ODD: only -1 is no limit; the numbers have 32 bits
+  /// @return false when the driver fails on the way; the rows before that are added
+  bool addRows(valueTable& rows, std::int32_t limit);
 
  private:
   struct connectionCloser {
@@ -66,6 +65,7 @@ class odbcSource {
     }
   };
   Ivo_odbc_field* column(std::uint32_t index) const;
+  void addRow(valueTable& rows);
 
   std::unique_ptr<Ivo_odbc_connect, connectionCloser> connection_;
   std::unique_ptr<Ivo_odbc_stmt, statementCloser> statement_;

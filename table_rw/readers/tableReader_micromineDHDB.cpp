@@ -31,15 +31,7 @@ bool tableReader_micromineDHDB::read() {
   rows_.clear();
   errors_.clear();
   odbcSource source;
-  if (!connect(source)) return false;
-  std::string table = toSystem(options_.table);
-  if (table.empty()) {
-    std::vector<std::wstring> tables;
-    tableList(tables);
-    if (tables.empty()) return false;
-    table = toSystem(tables.front());
-  }
-  if (!source.selectFrom(table)) return false;
+  if (!connect(source) || !source.selectFrom(options_.table, *this)) return false;
   // ODD: a success without fields.
   if (!source.describe()) return true;
   for (std::uint32_t column = 0; column < source.columnCount(); ++column) {
@@ -47,11 +39,7 @@ bool tableReader_micromineDHDB::read() {
     fieldTypes_.push_back(source.columnType(column));
   }
   if (headersOnly_) return true;
-  while (source.fetch()) {
-    if (isLimitReached(rows_, rowLimit_)) break;
-    source.addRow(rows_);
-  }
-  return !source.hasFailed();
+  return source.addRows(rows_, rowLimit_);
 }
 
 void tableReader_micromineDHDB::setTable(std::wstring name) { options_.table = std::move(name); }

@@ -76,26 +76,14 @@ bool tableReader_xlsODBC::OptionRead() {
   rows_.clear();
   errors_.clear();
   odbcSource source;
-  if (!connect(source)) return false;
-  std::string table = toSystem(options_.table);
-  if (table.empty()) {
-    std::vector<std::wstring> tables;
-    tableList(tables);
-    if (tables.empty()) return false;
-    table = toSystem(tables.front());
-  }
-  if (!source.selectFrom(table)) return false;
+  if (!connect(source) || !source.selectFrom(options_.table, *this)) return false;
   const std::string kind = getExtName();
   // ODD: a success without fields.
   if (!source.describe()) return true;
   if (!readHeader(source, kind)) return false;
   if (headersOnly_) return true;
   if (!skipToData(source, kind)) return false;
-  while (source.fetch()) {
-    if (isLimitReached(rows_, rowLimit_)) break;
-    source.addRow(rows_);
-  }
-  return !source.hasFailed();
+  return source.addRows(rows_, rowLimit_);
 }
 
 // @return false when the sheet ends before its header does

@@ -60,7 +60,7 @@ class xlsOdbcReader : public testing::Test {
 TEST_F(xlsOdbcReader, positionsOfASheet) {
   const struct {
     const char* name;
-    std::int32_t header;
+    std::int64_t header;
     std::uint64_t data;
     const char* expected;
     int line = __builtin_LINE();
@@ -84,7 +84,7 @@ TEST_F(xlsOdbcReader, positionsOfASheet) {
   };
   for (const auto& row : rows) {
     const testing::ScopedTrace trace(__FILE__, row.line, row.name);
-    EXPECT_EQ(read(book(wells), row.header, row.data), row.expected);
+    EXPECT_EQ(read(book(wells), static_cast<std::int32_t>(row.header), row.data), row.expected);
   }
 }
 

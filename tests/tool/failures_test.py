@@ -11,7 +11,7 @@ from tool_cases import (Case, CaseTest, Settings, cases, main, posix_only, run_t
 
 AB = {"t.csv": "a;b\n1;2\n"}
 HELP = "hint: vok_table --help tells how it is used\n"
-COMMANDS = "the commands are tables, fields, head, cat, count, errors, find, convert, formats, version\n"
+COMMANDS = "the commands are tables, fields, head, cat, count, errors, find, convert, doctor, formats, version\n"
 
 
 @cases(
