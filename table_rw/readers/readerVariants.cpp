@@ -21,7 +21,7 @@ tableReader* make(tableReaderOptions options) {
   return new Variant(std::move(options));
 }
 
-// ODD: one reader for spreadsheets and Access behind ODBC; the two file types differ in name alone.
+// Spreadsheets and Access databases behind ODBC have one reader; their file types differ in name alone.
 // clang-format off
 constexpr readerVariant variants[] = {
     {fileTypeCsv,           {L"csv"},                            nullptr,                nullptr,       make<tableReader_csv>         },
