@@ -41,14 +41,25 @@ exitCode showRows(const commandLine& request, extent wanted, std::uint64_t rows,
 
 }  // namespace
 
+namespace {
+
+/// Whether a source without tables is a source at all. An SQLite file is opened before anybody looks into it, so
+/// only a query tells: it answers even for a table that is not there.
+bool isReadable(tableRW::tableReader& reader, const readingArguments& arguments) {
+  const auto type = findFileType(arguments.type.value_or("auto"));
+  if (type && isSqliteDatabase(*type, reader.path())) return reader.readOnlyHeaders();
+  return reader.isOK();
+}
+
+}  // namespace
+
 exitCode listTables(const commandLine& request, toolContext& context) {
   readerPointer reader;
   const exitCode opened = openSource(request.reading, context, reader);
   if (!reader) return opened;
   std::vector<std::wstring> tables;
   reader->tableList(tables);
-  // Only of a source that cannot be read are the fields of any table refused.
-  if (tables.empty() && reader->get_capabilities().offersTables && !reader->readOnlyHeaders()) {
+  if (tables.empty() && !isReadable(*reader, request.reading)) {
     explainFailure(*reader, request.reading, context);
     return exitCode::cannotOpen;
   }

@@ -119,6 +119,11 @@ bool isDelimitedText(std::int32_t fileType, const std::wstring& path) {
   return found == nullptr || found->type == fileTypeCsv;
 }
 
+bool isSqliteDatabase(std::int32_t fileType, const std::wstring& path) {
+  const format* const found = formatOf(fileType, path);
+  return found != nullptr && found->type == fileTypeSqlite;
+}
+
 // WHY not the writer alone: it writes delimited text under every extension that it does not know, also
 // under one by which the table would be read back as something else.
 bool isWritable(const std::wstring& path) {

@@ -37,6 +37,9 @@ std::wstring converterPath();
 /// True for delimited text: chosen by its type, or automatically for .csv and unknown extensions.
 bool isDelimitedText(std::int32_t fileType, const std::wstring& path);
 
+/// True for an SQLite database: chosen by its type, or automatically by its extension.
+bool isSqliteDatabase(std::int32_t fileType, const std::wstring& path);
+
 /// True when this version writes the format that the path's extension names.
 bool isWritable(const std::wstring& path);
 
