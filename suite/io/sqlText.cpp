@@ -30,12 +30,10 @@ bool sqlToken::isWord(std::string_view upperCaseWord) const {
 
 void sqlTokens::skipBlanksAndComments() {
   while (at_ < text_.size()) {
-    std::size_t end = at_;
-    if (isBlank(text_[at_])) {
-      ++at_;
-      continue;
-    }
-    if (text_.substr(at_, 2) == "--")
+    std::size_t end = 0;
+    if (isBlank(text_[at_]))
+      end = at_ + 1;
+    else if (text_.substr(at_, 2) == "--")
       end = text_.find('\n', at_);
     else if (text_.substr(at_, 2) == "/*")
       end = std::min(text_.find("*/", at_ + 2), text_.size() - 2) + 2;

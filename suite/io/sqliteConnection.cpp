@@ -57,7 +57,7 @@ struct databaseHeader {
     return value;
   }
   bool isOfDatabase() const {
-    constexpr std::string_view magic("SQLite format 3", 16);  // the NUL included
+    constexpr std::string_view magic{"SQLite format 3\0", 16};
     return std::equal(magic.begin(), magic.end(), bytes.begin());
   }
   // The version that readers must know; 2 is write-ahead mode.

@@ -72,6 +72,10 @@ class RealDatabases(OdbcCase):
             rows = [[value.replace(character, word) for value in row] for row in rows]
         return rows
 
+    def is_readable(self, path):
+        # Narrow text below Wine is UTF-8, which is not what Windows' own drivers take.
+        return not Settings.is_windows() or all(table.isascii() for table in self.tables(path))
+
     def tables(self, path):
         return subprocess.run(["mdb-tables", "-1", path], capture_output=True,
                               check=True).stdout.decode("utf-8").splitlines()
@@ -83,8 +87,8 @@ class RealDatabases(OdbcCase):
         self.configure_access()
         for path in real_databases():
             tables = self.tables(path)
-            if not all(table.isascii() for table in tables) and Settings.is_windows():
-                continue  # narrow text below Wine is UTF-8, which is not what Windows' own drivers take
+            if not self.is_readable(path):
+                continue
             with self.subTest(path):
                 self.assertEqual(self.lines("tables", path, code=0), tables)
                 for table in tables:
@@ -115,7 +119,7 @@ class RealDatabases(OdbcCase):
 
     def test_the_file_is_the_one_that_was_named(self):
         # mdbtools alone opens the data source's own file.
-        first, second = [path for path in real_databases() if self.tables(path)][:2]
+        first, second = [path for path in real_databases() if self.tables(path) and self.is_readable(path)][:2]
         self.configure(f"[mdb]\nDriver={MDBTOOLS}\n", f"[access]\nDriver=mdb\nDatabase={first}\n"
                        f"[access by library]\nDriver={MDBTOOLS}\nDatabase={first}\n")
         self.assertEqual(self.lines("tables", second), self.tables(second))
