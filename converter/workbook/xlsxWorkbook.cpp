@@ -1,13 +1,17 @@
 #include "converter/workbook/xlsxWorkbook.h"
 
-#include <algorithm>
 #include <charconv>
+#include <unordered_map>
 
 #include "converter/workbook/xlsxSheet.h"
 #include "converter/workbook/xlsxText.h"
 
 namespace converter {
 namespace {
+
+// Far more than spreadsheet programs take; a part of a megabyte could name hundreds of millions.
+constexpr std::size_t mostSheets = 65536;
+constexpr std::size_t mostFormats = 1048576;
 
 bool isTrue(std::string_view text) { return text == "1" || text == "true" || text == "on"; }
 
@@ -46,6 +50,10 @@ class workbookEvents final : public xmlEvents {
   }
   void endElement(const char*) override {}
   void text(std::string_view) override {}
+  std::string stopReason() override {
+    return entries.size() > mostSheets ? "the workbook is refused: it has too many sheets"
+                                       : std::string();
+  }
 };
 
 class styleEvents final : public xmlEvents {
@@ -69,6 +77,10 @@ class styleEvents final : public xmlEvents {
     if (isText(name, "dxfs")) isInDifferences_ = false;
   }
   void text(std::string_view) override {}
+  std::string stopReason() override {
+    return formats_->size() > mostFormats ? "the workbook is refused: it has too many cell styles"
+                                          : std::string();
+  }
 
  private:
   numberFormats* formats_;
@@ -85,18 +97,23 @@ class sharedStringEvents final : public xmlEvents {
   void endElement(const char* name) override {
     text_.endElement(name);
     if (!isText(name, "si")) return;
+    isTooLong_ = isTooLong_ || text_.size() > longestText;
     line_.clear();
     text_.appendTo(line_, *replacements_);
     text_.clear();
     pool_->add(line_);
   }
   void text(std::string_view piece) override { text_.text(piece); }
+  std::string stopReason() override {
+    return isTooLong_ || text_.size() > longestText ? longTextProblem : std::string();
+  }
 
  private:
   textPool* pool_;
   const lineText* replacements_;
   richText text_;
   std::string line_;
+  bool isTooLong_ = false;
 };
 
 }  // namespace
@@ -128,20 +145,20 @@ bool xlsxWorkbook::readWorkbookPart(const std::string& part, std::string& proble
     return false;
   context_.dates = events.dates;
   std::string stylesPart;
+  std::unordered_map<std::string_view, const relationship*> byId;
   for (const relationship& each : relationships) {
+    byId.emplace(each.id, &each);
     if (each.type == "styles") stylesPart = each.target;
     if (each.type == "sharedStrings") stringsPart_ = each.target;
   }
   for (workbookEvents::entry& each : events.entries) {
-    const auto found = std::find_if(
-        relationships.begin(), relationships.end(),
-        [&](const relationship& candidate) { return candidate.id == each.relationshipId; });
-    if (found == relationships.end()) continue;
+    const auto found = byId.find(each.relationshipId);
+    if (found == byId.end()) continue;
     sheetEntry sheet;
     sheet.name = std::move(each.name);
     sheet.isVisible = each.isVisible;
-    sheet.hasCells = found->type == "worksheet";
-    sheet.part = found->target;
+    sheet.hasCells = found->second->type == "worksheet";
+    sheet.part = found->second->target;
     sheets_.push_back(std::move(sheet));
   }
   return readStyles(stylesPart, problem);
