@@ -38,7 +38,7 @@ struct sheetTextOptions {
   std::uint64_t mostBytes = std::uint64_t{1} << 30;  ///< of the text
   std::uint64_t mostLineBytes = std::uint64_t{64} << 20;
   std::size_t mostMerges = std::size_t{4} << 20;
-  std::size_t mostLateCells = std::size_t{16} << 20;  ///< that come out of order
+  std::size_t mostLateCells = std::size_t{4} << 20;  ///< that come out of order
   std::size_t mostLateBytes = std::size_t{256} << 20;
 };
 

@@ -1,5 +1,6 @@
 #include "converter/workbook/xlsxWorkbook.h"
 
+#include <algorithm>
 #include <charconv>
 #include <unordered_map>
 
@@ -12,6 +13,8 @@ namespace {
 // Far more than spreadsheet programs take; a part of a megabyte could name hundreds of millions.
 constexpr std::size_t mostSheets = 65536;
 constexpr std::size_t mostFormats = 1048576;
+// WHY bytes of the package beyond that: different texts take at least one each, however they are packed.
+constexpr std::uint64_t textsThatAreNeverTooMany = std::uint64_t{4} << 20;
 
 bool isTrue(std::string_view text) { return text == "1" || text == "true" || text == "on"; }
 
@@ -90,8 +93,10 @@ class styleEvents final : public xmlEvents {
 
 class sharedStringEvents final : public xmlEvents {
  public:
-  sharedStringEvents(textPool& pool, const lineText& replacements)
-      : pool_(&pool), replacements_(&replacements) {}
+  sharedStringEvents(textPool& pool, const lineText& replacements, std::uint64_t packageSize)
+      : pool_(&pool),
+        replacements_(&replacements),
+        mostTexts_(std::max(textsThatAreNeverTooMany, packageSize)) {}
 
   void startElement(const char* name, const xmlAttributes&) override { text_.startElement(name); }
   void endElement(const char* name) override {
@@ -105,6 +110,8 @@ class sharedStringEvents final : public xmlEvents {
   }
   void text(std::string_view piece) override { text_.text(piece); }
   std::string stopReason() override {
+    if (pool_->size() > mostTexts_)
+      return "the workbook is refused: it has too many shared strings";
     return isTooLong_ || text_.size() > longestText ? longTextProblem : std::string();
   }
 
@@ -113,6 +120,7 @@ class sharedStringEvents final : public xmlEvents {
   const lineText* replacements_;
   richText text_;
   std::string line_;
+  std::uint64_t mostTexts_;
   bool isTooLong_ = false;
 };
 
@@ -176,7 +184,7 @@ bool xlsxWorkbook::readStyles(const std::string& part, std::string& problem) {
 bool xlsxWorkbook::readSharedStrings(const std::string& part, std::string& problem) {
   if (hasStrings_) return true;
   context_.sharedStrings = {};
-  sharedStringEvents events(context_.sharedStrings, context_.replacements);
+  sharedStringEvents events(context_.sharedStrings, context_.replacements, archive_.file().size());
   // Where the part is missing no cell may refer to one.
   if (const zipMember* const member = archive_.find(part))
     hasStrings_ = parseXml(archive_, *member, events, problem);

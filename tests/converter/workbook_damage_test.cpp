@@ -117,6 +117,7 @@ TEST(workbookDamage, everyAllocationMayFail) {
       request.folder = folder.path();
       request.copyMerged = true;
       const std::wstring target = converter::targetPath(request);
+      testSupport::writeFile(target, "of an earlier run");
       bool isDone = false;
       {
         const testSupport::failingAllocation failing(number);
@@ -128,7 +129,10 @@ TEST(workbookDamage, everyAllocationMayFail) {
         }
         hasFailed = failing.hasFailed();
       }
-      EXPECT_EQ(platform::fileExists(target), isDone) << number;
+      // Without the memory for its name the old file cannot be removed.
+      const bool isOld = testSupport::readFile(target) == "of an earlier run";
+      EXPECT_TRUE(!isOld || number < 10) << number;
+      EXPECT_EQ(platform::fileExists(target), isDone || isOld) << number;
       EXPECT_FALSE(platform::fileExists(target + L".lines"));
       EXPECT_FALSE(platform::fileExists(target + L".part"));
     }

@@ -303,26 +303,27 @@ TEST(xlsx, partsThatAreNoWorkbooks) {
     return all;
   };
   const std::string longText((16u << 20) + 1, 'x');
+  const std::string longTextProblem =
+      "problem: the workbook is refused: it has a text longer than 16 MiB";
   const std::string sheetPart = "xl/worksheets/sheet1.xml";
+  const std::string stringsPart = "xl/sharedStrings.xml";
+  // clang-format off
   const refusalRow rows[] = {
-      refusalRow{"sheets",
-                 changed("xl/workbook.xml",                                            "<sheets>", "<sheets>" + times(65537, "<sheet/>")),
+      refusalRow{"sheets", changed("xl/workbook.xml", "<sheets>", "<sheets>" + times(65537, "<sheet/>")),
                  "problem: the workbook is refused: it has too many sheets"},
       refusalRow{"relationships",
-                 changed("_rels/.rels",                                                    "<Relationship ",
-                 times(65537,                 "<Relationship/>") + "<Relationship "),
+                 changed("_rels/.rels", "<Relationship ", times(65537, "<Relationship/>") + "<Relationship "),
                  "problem: the workbook is refused: it has too many relationships"},
-      refusalRow{"styles",
-                 changed("xl/styles.xml",  "<cellXfs>",     "<cellXfs>" + times(1048577,                                                                                    "<xf/>")),
+      refusalRow{"styles", changed("xl/styles.xml", "<cellXfs>", "<cellXfs>" + times(1048577, "<xf/>")),
                  "problem: the workbook is refused: it has too many cell styles"},
-      refusalRow{"a shared text",                                                        changed("xl/sharedStrings.xml",      "first",                longText),
-                 "problem: the workbook is refused: it has a text longer than 16 MiB"},
-      refusalRow{"a value",                                                        changed(sheetPart, "<v>0</v>",           "<v>" + longText + "</v>"),
-                 "problem: the workbook is refused: it has a text longer than 16 MiB"              },
-      refusalRow{"an inline text",
-                 changed(sheetPart, "<v>0</v>",           "<is><t>" + longText + "</t></is>"),
-                 "problem: the workbook is refused: it has a text longer than 16 MiB"                                                                                                                                                       },
+      refusalRow{"shared strings", changed(stringsPart, "<si>", times((4u << 20) + 1, "<si/>") + "<si>"),
+                 "problem: the workbook is refused: it has too many shared strings"},
+      refusalRow{"a shared text", changed(stringsPart, "first", longText), longTextProblem.c_str()},
+      refusalRow{"a value", changed(sheetPart, "<v>0</v>", "<v>" + longText + "</v>"), longTextProblem.c_str()},
+      refusalRow{"an inline text", changed(sheetPart, "<v>0</v>", "<is><t>" + longText + "</t></is>"),
+                 longTextProblem.c_str()},
   };
+  // clang-format on
   for (const refusalRow& row : rows) {
     const testing::ScopedTrace trace(__FILE__, row.line, row.name);
     EXPECT_EQ(conversion().run(zipOf(row.members)), row.expected);
