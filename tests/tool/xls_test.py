@@ -46,6 +46,29 @@ class TestTool(CaseTest):
     pass
 
 
+LOCKED = b"\x09\x08\x10\0\0\x06\x05\0" + b"\0" * 12 + b"\x2F\0\2\0\0\0"  # a BIFF stream with a password
+
+
+class TestTemporaryFolder(unittest.TestCase):
+    def test_nothing_is_left_in_it(self):
+        case = CaseTest()
+        case.setUp()
+        self.addCleanup(case.doCleanups)
+        folder = case.path("temporary files")
+        os.mkdir(folder)
+        seen = "Z:" + folder.replace("/", "\\") if Settings.is_windows() and folder.startswith("/") else folder
+        whole = AB["t.xlsx"]
+        for name, content, code in (("t.xlsx", whole, 0), ("t.xlsx", whole[:len(whole) // 2], 3),
+                                    ("t.xlsx", b"a;b\n1;2\n", 3), ("t.xls", b"<html><table></table></html>", 3),
+                                    ("t.xls", LOCKED, 3), ("t.xls", whole, 0)):
+            case.write({name: content})
+            for command in ("tables", "cat"):
+                with self.subTest(f"{command} {name} {content[:20]}"):
+                    run = run_tool(command, name, cwd=case.folder, env={"TMPDIR": folder, "TMP": seen})
+                    self.assertEqual(run.code, code, run.err)
+                    self.assertEqual(os.listdir(folder), [])
+
+
 class ConverterTest(unittest.TestCase):
     """Runs the converter itself, which stands beside the tool."""
 
