@@ -26,7 +26,7 @@ packages_of() {
     bench) echo "$run python3" ;;
     bench-peers)
       echo "$run python3 libcsv-dev libdeflate-dev libgdal-dev libshp-dev libxlsxwriter-dev python3-dbfread" \
-        "python3-openpyxl python3-pandas xlsx2csv" ;;
+        "python3-openpyxl python3-pandas python3-xlwt xlsx2csv" ;;
     *) echo "install_packages.sh: unknown set '$1'" >&2; return 1 ;;
   esac
 }
