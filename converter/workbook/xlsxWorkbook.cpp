@@ -1,10 +1,10 @@
 #include "converter/workbook/xlsxWorkbook.h"
 
-#include <algorithm>
 #include <charconv>
 #include <unordered_map>
 
 #include "converter/workbook/xlsxSheet.h"
+#include "converter/workbook/xlsxStrings.h"
 #include "converter/workbook/xlsxText.h"
 
 namespace converter {
@@ -13,8 +13,6 @@ namespace {
 // Far more than spreadsheet programs take; a part of a megabyte could name hundreds of millions.
 constexpr std::size_t mostSheets = 65536;
 constexpr std::size_t mostFormats = 1048576;
-// WHY bytes of the package beyond that: different texts take at least one each, however they are packed.
-constexpr std::uint64_t textsThatAreNeverTooMany = std::uint64_t{4} << 20;
 
 bool isTrue(std::string_view text) { return text == "1" || text == "true" || text == "on"; }
 
@@ -91,39 +89,6 @@ class styleEvents final : public xmlEvents {
   bool isInDifferences_ = false;
 };
 
-class sharedStringEvents final : public xmlEvents {
- public:
-  sharedStringEvents(textPool& pool, const lineText& replacements, std::uint64_t packageSize)
-      : pool_(&pool),
-        replacements_(&replacements),
-        mostTexts_(std::max(textsThatAreNeverTooMany, packageSize)) {}
-
-  void startElement(const char* name, const xmlAttributes&) override { text_.startElement(name); }
-  void endElement(const char* name) override {
-    text_.endElement(name);
-    if (!isText(name, "si")) return;
-    isTooLong_ = isTooLong_ || text_.size() > longestText;
-    line_.clear();
-    text_.appendTo(line_, *replacements_);
-    text_.clear();
-    pool_->add(line_);
-  }
-  void text(std::string_view piece) override { text_.text(piece); }
-  std::string stopReason() override {
-    if (pool_->size() > mostTexts_)
-      return "the workbook is refused: it has too many shared strings";
-    return isTooLong_ || text_.size() > longestText ? longTextProblem : std::string();
-  }
-
- private:
-  textPool* pool_;
-  const lineText* replacements_;
-  richText text_;
-  std::string line_;
-  std::uint64_t mostTexts_;
-  bool isTooLong_ = false;
-};
-
 }  // namespace
 
 bool xlsxWorkbook::open(platform::binaryFile& file, std::string& problem) {
@@ -184,7 +149,7 @@ bool xlsxWorkbook::readStyles(const std::string& part, std::string& problem) {
 bool xlsxWorkbook::readSharedStrings(const std::string& part, std::string& problem) {
   if (hasStrings_) return true;
   context_.sharedStrings = {};
-  sharedStringEvents events(context_.sharedStrings, context_.replacements, archive_.file().size());
+  xlsxStringEvents events(context_.sharedStrings, context_.replacements, archive_.file().size());
   // Where the part is missing no cell may refer to one.
   if (const zipMember* const member = archive_.find(part))
     hasStrings_ = parseXml(archive_, *member, events, problem);
