@@ -114,7 +114,8 @@ std::vector<std::string> partsOf(std::string_view connectionString) {
     const bool braced = equals < connectionString.size() - 1 &&
                         equals < connectionString.find(';') && connectionString[equals + 1] == '{';
     const std::size_t closing = braced ? connectionString.find('}', equals) : 0;
-    const std::size_t end = connectionString.find(';', closing);
+    const std::size_t end =
+        connectionString.find(';', closing == std::string_view::npos ? equals : closing);
     if (end != 0) parts.emplace_back(connectionString.substr(0, end));
     if (end == std::string_view::npos) break;
     connectionString.remove_prefix(end + 1);

@@ -24,6 +24,9 @@ TEST(odbcConnectionString, parts) {
   EXPECT_EQ(parts, (std::vector<std::string>{"DSN=a b", "DBQ={x;y}.mdb", "Flag", "Last=1"}));
   EXPECT_TRUE(partsOf("").empty());
   EXPECT_EQ(partsOf("a={b").size(), 1U);
+  EXPECT_EQ(partsOf("DBQ={b.mdb;DefaultDir=/a/;"),
+            (std::vector<std::string>{"DBQ={b.mdb", "DefaultDir=/a/"}))
+      << "a brace that is never closed is a letter";
   EXPECT_EQ(partsOf("a=;b={}").size(), 2U);
   EXPECT_EQ(partsOf("=").size(), 1U);
 }
