@@ -34,7 +34,8 @@ class odbcSource {
   /// Opens a connection to a file.
   /// @param connectionString  names the file, as it is
   /// @param path  the file's. With a semicolon or NUL in it, or a character that the system's code page
-  ///              lacks, the string would name another file, which is not opened
+  ///              lacks, the string would name another file, which is not opened; nor is a pipe or device, for
+  ///              which a driver may wait for ever
   bool connect(const std::string& connectionString, const std::wstring& path);
 
   /// The names of tables and views; see vo_odbc_connect_get_tables for `sheets`.

@@ -117,6 +117,17 @@ class RealDatabases(OdbcCase):
         run = self.tool("cat", path, "--table", "Nothing", code=3)
         self.assertIn("name one of its tables with --table: Order Details, Orders", run.err)
 
+    def test_names_of_files(self):
+        self.configure_access()
+        source = next(path for path in real_databases() if self.tables(path) and self.is_readable(path))
+        names = [" a b.mdb", "a=b.mdb", "{a.mdb", "{a}.mdb", "a'b[].mdb"]
+        if not Settings.is_windows():
+            names += ["\u0431\u0430\u0437\u0430 \u0434\u0430\u043d\u043d\u044b\u0445.mdb", 'a"b.mdb']
+        for name in names + [name.replace(".mdb", ".dhdb") for name in names]:
+            with self.subTest(name):
+                shutil.copy(source, self.path(name))
+                self.assertEqual(self.lines("tables", name), self.tables(source))
+
     def test_the_file_is_the_one_that_was_named(self):
         # mdbtools alone opens the data source's own file.
         first, second = [path for path in real_databases() if self.tables(path) and self.is_readable(path)][:2]
@@ -222,6 +233,21 @@ class Missing(OdbcCase):
     def test_a_data_source_without_a_driver(self):
         self.configure("", "[access]\nDriver=gone\n")
         self.assertIn("access: ", self.tool("cat", "t.mdb", code=4).err)
+
+    def test_paths_that_no_driver_is_told(self):
+        self.configure(f"[{ACCESS_DRIVER}]\nDriver=/nowhere/lost.so\n", f"[access]\nDriver={ACCESS_DRIVER}\n")
+        self.write({"a;b.mdb": "x", "a;b.dhdb": "x"})
+        for name in ("a;b.mdb", "a;b.dhdb"):
+            run = self.tool("cat", name, code=3)
+            self.assertIn("a path with a semicolon cannot be told to a driver", run.err)
+            self.assertNotIn("hint: install", run.err)
+
+    def test_a_pipe_is_not_waited_for(self):
+        if Settings.is_windows():
+            self.skipTest("there are no named pipes in folders")
+        self.configure(f"[{ACCESS_DRIVER}]\nDriver={MDBTOOLS}\n", f"[access]\nDriver={ACCESS_DRIVER}\n")
+        os.mkfifo(self.path("t.fifo.mdb"))
+        self.assertIn("not pipes and devices", self.tool("tables", "t.fifo.mdb", code=3).err)
 
     def test_a_missing_file_is_said_first(self):
         self.configure()
