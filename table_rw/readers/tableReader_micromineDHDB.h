@@ -7,8 +7,8 @@
 //
 // Reads answer false when the driver is missing or refuses the file, or its path cannot be told to it (a
 // semicolon, a character that the system's code page lacks, a pipe), the database holds no table and none is
-// named, the statement fails (no such table), or the driver fails while rows are fetched; the rows before
-// that stay. `isOK` tells whether the last connection was made.
+// named, the statement fails (no such table), or the driver fails while rows are fetched; the rows before that
+// stay. `isOK` tells whether the last connection was made.
 //
 // ODD: headers-only and the row limit stay in force for later reads, until readOnlyHeaders or readDemo sets
 // them anew. Hosts set a limit once and call read.
