@@ -1,7 +1,7 @@
 """The cases of spreadsheets: the converter, and other programs that make text of the same workbook.
 
 The yardstick is xlsx2csv on the same file. The million rows are there for the memory: only the converter
-reads them. Every program is started as a user starts it, so its seconds are those of the whole process.
+reads them. The old format is compared with the new one, for the same sheet. Every program is started as a user starts it, so its seconds are those of the whole process.
 """
 import os
 import subprocess
@@ -12,10 +12,11 @@ from rounds import Case, DataFile, Program, read_report
 
 ROWS = 200_000
 MANY_ROWS = 1_000_000
+ROWS_OF_XLS = 65_536
 
 
-def data_file(places, rows):
-    path = os.path.join(places.data, "xls", f"samples_{rows}.xlsx")
+def data_file(places, rows, kind):
+    path = os.path.join(places.data, "xls", f"samples_{rows}.{kind}")
     return DataFile("xlsx", rows * 75 // 1_000_000, path)
 
 
@@ -25,15 +26,26 @@ def peer(places, what, data, output):
 
 
 def program(places, rows, what):
-    data = data_file(places, rows)
+    data = data_file(places, rows, "xlsx")
     output = os.path.join(places.data, "xls", "out", f"samples_{rows}.csv")
     case = Case(f"{rows} rows/{what}", what, f"{rows} rows/xlsx2csv", unchecked=("bytes",))
     return Program(peer(places, what, data, output), data, [case], output=output)
 
 
+def xls_program(places):
+    data = data_file(places, ROWS_OF_XLS, "xls")
+    output = os.path.join(places.data, "xls", "out", f"samples_{ROWS_OF_XLS}.csv")
+    case = Case(f"{ROWS_OF_XLS} rows/converter of .xls", "converter", f"{ROWS_OF_XLS} rows/converter",
+                unchecked=("bytes",))
+    return Program(peer(places, "converter", data, output), data, [case], output=output)
+
+
 def programs(places, _megabytes, with_peers):
     whats = ["converter", "xlsx2csv"] + (["openpyxl"] if with_peers else [])
-    return [program(places, ROWS, what) for what in whats] + [program(places, MANY_ROWS, "converter")]
+    chosen = [program(places, ROWS, what) for what in whats] + [program(places, MANY_ROWS, "converter")]
+    if with_peers:  # which bring what writes the old format
+        chosen += [program(places, ROWS_OF_XLS, "converter"), xls_program(places)]
+    return chosen
 
 
 def scaling_programs(places):
@@ -48,7 +60,7 @@ def make_data(places, chosen_programs):
         if not os.path.exists(counts_path(data)):
             rows = os.path.basename(data.path).split("_")[1].split(".")[0]
             print(f"Making {data.path} ...", file=sys.stderr)
-            report = subprocess.run([sys.executable, os.path.join(places.scripts, "xls_data.py"), rows, data.path],
+            report = subprocess.run([SYSTEM_PYTHON, os.path.join(places.scripts, "xls_data.py"), rows, data.path],
                                     stdout=subprocess.PIPE, text=True, check=True)
             with open(counts_path(data), "w", encoding="utf-8") as file:
                 file.write(report.stdout)

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Makes the workbook of the spreadsheet benchmark: xls_data.py ROWS FILE.xlsx
+"""Makes the workbook of the spreadsheet benchmark: xls_data.py ROWS FILE.xlsx|FILE.xls
 
 A sheet of twelve columns, two of them Russian words, two texts of which no two are equal, seven of numbers
 and one of dates, as a spreadsheet program writes it: shared strings, references at every row and cell,
 deflated. The sheet's part is written in pieces, so that a million rows need no memory either. The counts of
 what is in it are printed as `xlsx rows=... values=... bytes=...`, where bytes are those of the values as
-text.
+text. The same sheet as .xls, which has 65,536 rows at most, is written by xlwt.
 """
 import datetime
 import random
@@ -61,18 +61,15 @@ def shown(column, value):
 
 def write_sheet(archive, rows, strings):
     """@return the number of bytes of all values as text"""
-    rng = random.Random(7)
     size = 0
     with archive.open("xl/worksheets/sheet1.xml", "w", force_zip64=True) as part:
         part.write(f'<?xml version="1.0" encoding="UTF-8" standalone="yes"?>\n<worksheet xmlns="{NAMESPACE}">'
                    f'<dimension ref="A1:L{rows}"/><sheetData>'.encode())
         piece = []
-        for row in range(1, rows + 1):
-            values = HEADER if row == 1 else row_of(row, rng)
+        for row, values in enumerate(table(rows), 1):
             cells = "".join(cell(column, row, value, strings) for column, value in enumerate(values))
             piece.append(f'<row r="{row}" spans="1:12">{cells}</row>')
-            size += sum(len((value if row == 1 else shown(column, value)).encode())
-                        for column, value in enumerate(values))
+            size += size_of(row, values)
             if len(piece) == PIECE:
                 part.write("".join(piece).encode())
                 piece = []
@@ -109,8 +106,40 @@ def write_small_parts(archive):
         '<cellXfs count="2"><xf numFmtId="0"/><xf numFmtId="14" applyNumberFormat="1"/></cellXfs></styleSheet>')
 
 
-def main():
-    rows, path = int(sys.argv[1]), sys.argv[2]
+def table(rows):
+    rng = random.Random(7)
+    for row in range(1, rows + 1):
+        yield HEADER if row == 1 else row_of(row, rng)
+
+
+def size_of(row, values):
+    return sum(len((value if row == 1 else shown(column, value)).encode()) for column, value in enumerate(values))
+
+
+def write_xls(rows, path):
+    """@return the number of bytes of all values as text"""
+    import xlwt  # pylint: disable=import-outside-toplevel
+    book = xlwt.Workbook(encoding="utf-8")
+    sheet = book.add_sheet("Пробы")
+    day = xlwt.easyxf(num_format_str="YYYY-MM-DD")
+    size = 0
+    for row, values in enumerate(table(rows), 1):
+        for column, value in enumerate(values):
+            if row == 1 or column in TEXT_COLUMNS:
+                sheet.write(row - 1, column, value)
+            elif column == DATE_COLUMN:
+                sheet.write(row - 1, column, value, day)
+            else:
+                sheet.write(row - 1, column, float(value))
+        size += size_of(row, values)
+        if row % PIECE == 0:
+            sheet.flush_row_data()
+    book.save(path)
+    return size
+
+
+def write_xlsx(rows, path):
+    """@return the number of bytes of all values as text"""
     strings = Strings()
     with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as archive:
         write_small_parts(archive)
@@ -119,6 +148,12 @@ def main():
         archive.writestr("xl/sharedStrings.xml",
                          '<?xml version="1.0" encoding="UTF-8" standalone="yes"?>\n'
                          f'<sst xmlns="{NAMESPACE}" uniqueCount="{len(strings.numbers)}">{items}</sst>')
+    return size
+
+
+def main():
+    rows, path = int(sys.argv[1]), sys.argv[2]
+    size = (write_xls if path.endswith(".xls") else write_xlsx)(rows, path)
     print(f"xlsx rows={rows} values={rows * 12} bytes={size}")
 
 

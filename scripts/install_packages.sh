@@ -15,18 +15,18 @@ set -u
 
 packages_of() {
   local run="cmake g++ libcli11-dev libexpat1-dev libfmt-dev libsqlite3-dev ninja-build unixodbc-dev zlib1g-dev"
-  local native="$run binutils gcc googletest libsqliteodbc libxml2-utils mdbtools odbc-mdbtools python3"
+  local native="$run binutils dpkg-dev gcc googletest libsqliteodbc libxml2-utils mdbtools odbc-mdbtools pkg-config python3"
   native="$native python3-dbfread python3-openpyxl python3-xlrd"
   case $1 in
     run) echo "$run" ;;
     native) echo "$native" ;;
-    windows) echo "$native dpkg-dev g++-mingw-w64-x86-64-posix libodbc2 libz-mingw-w64-dev locales tcl wine wine64" ;;
+    windows) echo "$native g++-mingw-w64-x86-64-posix libodbc2 libz-mingw-w64-dev locales tcl wine wine64" ;;
     lint) echo "$native clang-format clang-tidy" ;;
     fuzz) echo "$run clang" ;;
     bench) echo "$run python3" ;;
     bench-peers)
       echo "$run python3 libcsv-dev libdeflate-dev libgdal-dev libshp-dev libxlsxwriter-dev python3-dbfread" \
-        "python3-openpyxl python3-pandas xlsx2csv" ;;
+        "python3-openpyxl python3-pandas python3-xlwt xlsx2csv" ;;
     *) echo "install_packages.sh: unknown set '$1'" >&2; return 1 ;;
   esac
 }

@@ -4,6 +4,9 @@
 // the strict namespaces mean the same. The content of `Choice` elements (mc:AlternateContent) is left out,
 // what stands beside it as the fallback is read.
 //
+// What repeats may be taken from the bytes themselves (`xmlShortcut`), where it stands as plainly as programs
+// write it; everything else, and every doubt, goes through expat.
+//
 // Refused, with a message: what is not well-formed, declarations of entities (no workbook has any, and they
 // can make gigabytes of a line), elements nested more than 256 deep, and 16 MiB in which nothing begins or
 // ends. UTF-8, UTF-16, Latin-1 and ASCII are read, as the part declares.
@@ -59,6 +62,33 @@ class xmlAttributes {
   const char** pairs_;
 };
 
+/// Takes elements of one kind straight from the bytes of a part, past the parser: the rows of a sheet are
+/// nearly all of it, and most are of the plainest form.
+class xmlShortcut {
+ public:
+  /// @param container  element whose children may be taken, without a prefix
+  /// @param itemEnd    end tag of those children, `</row>`; both live as long as this
+  xmlShortcut(const char* container, std::string_view itemEnd)
+      : container_(container), itemEnd_(itemEnd) {}
+  xmlShortcut(const xmlShortcut&) = delete;
+  xmlShortcut& operator=(const xmlShortcut&) = delete;
+  virtual ~xmlShortcut() = default;
+
+  const char* container() const { return container_; }
+  std::string_view itemEnd() const { return itemEnd_; }
+
+  /// Takes whole children, and blanks before them, and does what their events would have done.
+  /// @param bytes  UTF-8, directly behind the container's start tag or a child, with a NUL behind them
+  /// @param lines  line feeds in what was taken are added to it
+  /// @return how many bytes were taken: up to the first child that is not whole or not understood, which the
+  ///         parser gets
+  virtual std::size_t take(std::string_view bytes, std::size_t& lines) = 0;
+
+ private:
+  const char* container_;
+  std::string_view itemEnd_;
+};
+
 /// Receives the events of one part. Names are local names.
 class xmlEvents {
  public:
@@ -73,10 +103,27 @@ class xmlEvents {
   virtual void text(std::string_view piece) = 0;
   /// A reason to stop, asked for between pieces of the file; empty: go on.
   virtual std::string stopReason() { return {}; }
+  /// Null: the parser reads everything. Otherwise it lives as long as this.
+  virtual xmlShortcut* shortcut() { return nullptr; }
 };
 
-/// Parses one part of a package.
+/// Where a part's bytes come from.
+class xmlSource {
+ public:
+  xmlSource() = default;
+  xmlSource(const xmlSource&) = delete;
+  xmlSource& operator=(const xmlSource&) = delete;
+  virtual ~xmlSource() = default;
+
+  /// @return the number of bytes read, 0 at the end; negative after a failure, whose reason is in `problem`
+  virtual std::ptrdiff_t read(void* buffer, std::size_t size, std::string& problem) = 0;
+};
+
+/// Parses one document.
 /// @param problem  receives the reason when the answer is false
+bool parseXml(xmlSource& source, xmlEvents& events, std::string& problem);
+
+/// Parses one part of a package.
 bool parseXml(const zipArchive& archive, const zipMember& member, xmlEvents& events,
               std::string& problem);
 

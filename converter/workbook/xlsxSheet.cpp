@@ -1,24 +1,11 @@
 #include "converter/workbook/xlsxSheet.h"
 
 #include <algorithm>
-#include <charconv>
+#include <optional>
 #include <utility>
 
 namespace converter {
 namespace {
-
-std::string_view withoutBlanks(std::string_view text) {
-  constexpr std::string_view blanks = " \t\r\n";
-  const std::size_t first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
-template <class Number>
-bool readWhole(std::string_view text, Number& number) {
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  return result.ec == std::errc() && result.ptr == text.data() + text.size();
-}
 
 std::string referenceText(std::uint32_t row, std::uint32_t column) {
   std::string letters;
@@ -28,37 +15,6 @@ std::string referenceText(std::uint32_t row, std::uint32_t column) {
 }
 
 }  // namespace
-
-bool readReference(std::string_view reference, std::uint32_t& row, std::uint32_t& column) {
-  std::uint32_t letters = 0;
-  std::size_t i = 0;
-  for (; i < reference.size(); ++i) {
-    const auto letter = static_cast<unsigned char>(reference[i] | 0x20);
-    if (letter < 'a' || letter > 'z') break;
-    letters = letters * 26 + (letter - 'a' + 1u);
-    if (letters > mostColumns) return false;
-  }
-  std::uint32_t number = 0;
-  for (const std::size_t digits = i; i < reference.size(); ++i) {
-    const auto digit = static_cast<unsigned char>(reference[i] - '0');
-    if (digit > 9 || i - digits > 6) return false;
-    number = number * 10 + digit;
-  }
-  if (letters == 0 || number == 0 || number > mostRows) return false;
-  row = number - 1;
-  column = letters - 1;
-  return true;
-}
-
-xlsxSheetEvents::cellKind xlsxSheetEvents::kindOf(const char* type) {
-  if (isText(type, "s")) return cellKind::shared;
-  if (isText(type, "str")) return cellKind::text;
-  if (isText(type, "inlineStr")) return cellKind::inlineText;
-  if (isText(type, "b")) return cellKind::boolean;
-  if (isText(type, "e")) return cellKind::error;
-  if (isText(type, "d")) return cellKind::date;
-  return cellKind::number;
-}
 
 void xlsxSheetEvents::fail(std::string reason) {
   if (problem_.empty()) problem_ = std::move(reason);
@@ -102,18 +58,11 @@ void xlsxSheetEvents::text(std::string_view piece) {
 }
 
 void xlsxSheetEvents::startRow(const xmlAttributes& attributes) {
-  row_ = nextRow_;
-  nextColumn_ = 0;
-  if (const char* const number = attributes.find("r")) {
-    std::uint32_t fromOne = 0;
-    if (!readWhole(withoutBlanks(number), fromOne) || fromOne == 0 || fromOne > mostRows) {
-      fail(std::string("the sheet is damaged: it has a row ") + number);
-      return;
-    }
-    row_ = fromOne - 1;
-  }
-  if (row_ >= mostRows) fail("the sheet is damaged: it has too many rows");
-  nextRow_ = row_ + 1;
+  const char* const number = attributes.find("r");
+  const std::string_view text = number == nullptr ? std::string_view() : number;
+  if (!place_.startRow(number == nullptr ? nullptr : &text))
+    fail(number == nullptr ? "the sheet is damaged: it has too many rows"
+                           : std::string("the sheet is damaged: it has a row ") + number);
 }
 
 void xlsxSheetEvents::startCell(const xmlAttributes& attributes) {
@@ -122,20 +71,18 @@ void xlsxSheetEvents::startCell(const xmlAttributes& attributes) {
   kind_ = cellKind::number;
   style_ = 0;
   value_.clear();
-  column_ = nextColumn_;
-  attributes.forEach([this](const char* attribute, const char* text) {
-    if (isText(attribute, "r")) {
-      if (!readReference(text, row_, column_))
-        fail(std::string("the sheet is damaged: it has a cell ") + text);
-    } else if (isText(attribute, "t")) {
-      kind_ = kindOf(text);
-    } else if (isText(attribute, "s")) {
-      if (!readWhole(std::string_view(text), style_)) style_ = 0;
-    }
+  std::optional<std::string_view> reference;
+  attributes.forEach([&](const char* attribute, std::string_view text) {
+    if (isText(attribute, "r"))
+      reference = text;
+    else if (isText(attribute, "t"))
+      kind_ = cellKindOf(text);
+    else if (isText(attribute, "s"))
+      style_ = styleNumber(text);
   });
-  if (column_ >= mostColumns) fail("the sheet is damaged: it has too many columns");
-  nextColumn_ = column_ + 1;
-  nextRow_ = std::max(nextRow_, row_ + 1);
+  if (!place_.startCell(reference ? &*reference : nullptr))
+    fail(reference ? "the sheet is damaged: it has a cell " + std::string(*reference)
+                   : "the sheet is damaged: it has too many columns");
 }
 
 void xlsxSheetEvents::endCell() {
@@ -145,10 +92,39 @@ void xlsxSheetEvents::endCell() {
     line_.clear();
     inline_.appendTo(line_, context_->replacements);
     inline_.clear();
-    if (!line_.empty()) receiver_->cell(row_, column_, line_);
+    if (!line_.empty()) receiver_->cell(place_.row, place_.column, line_);
   } else if (!value_.empty()) {
     emitValue(value_);
   }
+}
+
+std::size_t xlsxSheetEvents::plainRows::take(std::string_view bytes, std::size_t& lines) {
+  const char* taken = bytes.data();
+  for (;;) {
+    cellPlace place = events_->place_;
+    std::size_t linesOfRow = 0;
+    const char* const end = row_.read(taken, place, linesOfRow);
+    if (end == nullptr) return static_cast<std::size_t>(taken - bytes.data());
+    for (const xlsxPlainCell& cell : row_.cells()) events_->emitPlainCell(cell);
+    events_->place_ = place;
+    lines += linesOfRow;
+    taken = end;
+  }
+}
+
+void xlsxSheetEvents::emitPlainCell(const xlsxPlainCell& cell) {
+  if (!problem_.empty()) return;
+  place_.row = cell.row;
+  place_.column = cell.column;
+  kind_ = cell.kind;
+  style_ = cell.style;
+  if (!cell.isInline) {
+    emitValue(cell.text);
+    return;
+  }
+  line_.clear();
+  appendText(line_, cell.text, context_->replacements, scratch_);
+  if (!line_.empty()) receiver_->cell(cell.row, cell.column, line_);
 }
 
 void xlsxSheetEvents::emitValue(std::string_view value) {
@@ -158,14 +134,14 @@ void xlsxSheetEvents::emitValue(std::string_view value) {
       std::size_t number = 0;
       value = withoutBlanks(value);
       if (value.empty()) return;
-      if (!readWhole(value, number) || number >= context_->sharedStrings.size()) {
-        fail("the sheet is damaged: cell " + referenceText(row_, column_) +
+      if (!readWholeNumber(value, number) || number >= context_->sharedStrings.size()) {
+        fail("the sheet is damaged: cell " + referenceText(place_.row, place_.column) +
              " refers to shared string " + std::string(value) + " of " +
              std::to_string(context_->sharedStrings.size()));
         return;
       }
       const std::string_view shared = context_->sharedStrings.get(number);
-      if (!shared.empty()) receiver_->cell(row_, column_, shared);
+      if (!shared.empty()) receiver_->cell(place_.row, place_.column, shared);
       return;
     }
     case cellKind::number:
@@ -191,7 +167,7 @@ void xlsxSheetEvents::emitValue(std::string_view value) {
         context_->replacements.append(line_, value);
       break;
   }
-  if (!line_.empty()) receiver_->cell(row_, column_, line_);
+  if (!line_.empty()) receiver_->cell(place_.row, place_.column, line_);
 }
 
 void xlsxSheetEvents::addMerge(const xmlAttributes& attributes) {

@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "converter/workbook/xlsxSheet.h"
+#include "converter/workbook/xlsxStrings.h"
 #include "converter/workbook/xlsxText.h"
 
 namespace converter {
@@ -76,29 +77,6 @@ class styleEvents final : public xmlEvents {
   bool isInDifferences_ = false;
 };
 
-class sharedStringEvents final : public xmlEvents {
- public:
-  sharedStringEvents(textPool& pool, const lineText& replacements)
-      : pool_(&pool), replacements_(&replacements) {}
-
-  void startElement(const char* name, const xmlAttributes&) override { text_.startElement(name); }
-  void endElement(const char* name) override {
-    text_.endElement(name);
-    if (!isText(name, "si")) return;
-    line_.clear();
-    text_.appendTo(line_, *replacements_);
-    text_.clear();
-    pool_->add(line_);
-  }
-  void text(std::string_view piece) override { text_.text(piece); }
-
- private:
-  textPool* pool_;
-  const lineText* replacements_;
-  richText text_;
-  std::string line_;
-};
-
 }  // namespace
 
 bool xlsxWorkbook::open(platform::binaryFile& file, std::string& problem) {
@@ -159,7 +137,7 @@ bool xlsxWorkbook::readStyles(const std::string& part, std::string& problem) {
 bool xlsxWorkbook::readSharedStrings(const std::string& part, std::string& problem) {
   if (hasStrings_) return true;
   context_.sharedStrings = {};
-  sharedStringEvents events(context_.sharedStrings, context_.replacements);
+  xlsxStringEvents events(context_.sharedStrings, context_.replacements);
   // Where the part is missing no cell may refer to one.
   if (const zipMember* const member = archive_.find(part))
     hasStrings_ = parseXml(archive_, *member, events, problem);
