@@ -80,12 +80,12 @@ bool openFolder(const std::string& name, bool& isMade, const messageWriter& mess
 tableRow convertOne(const commandLine& request, tableRW::tableReader& reader, toolContext& context,
                     conversionResult& result) {
   reader.setTable(toWide(*request.reading.table));
-  const tableRow failed{toWide(*request.reading.table),
-                        toWide(request.target),
-                        L"",
-                        L"",
-                        L"",
-                        std::to_wstring(static_cast<int>(exitCode::cannotOpen))};
+  tableRow failed{toWide(*request.reading.table),
+                  toWide(request.target),
+                  L"",
+                  L"",
+                  L"",
+                  std::to_wstring(static_cast<int>(exitCode::cannotOpen))};
   result = {exitCode::cannotOpen, 0, false};
   if (!readSource(reader, {}, request.reading, context)) return failed;
   if (reader.fieldCount() == 0) {

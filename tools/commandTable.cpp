@@ -12,58 +12,58 @@ namespace {
 // clang-format off
 
 // --- words without an option ---
-constexpr optionEntry file{"FILE", "", "The file to read", valueKind::file, &readingArguments::file, true};
-constexpr optionEntry fileToTry{"FILE", "", "A file to try", valueKind::file, &readingArguments::file};
-constexpr optionEntry target{"TARGET", "", "The file to write, or with --all-tables the folder", valueKind::file,
-                             &commandLine::target, true};
-constexpr optionEntry shell{"SHELL", "", "Which shell", valueKind::shell, &commandLine::shell, true};
+constexpr optionEntry file{"FILE", "", "The file to read", &readingArguments::file, valueKind::file, true};
+constexpr optionEntry fileToTry{"FILE", "", "A file to try", &readingArguments::file, valueKind::file};
+constexpr optionEntry target{"TARGET", "", "The file to write, or with --all-tables the folder", &commandLine::target,
+                             valueKind::file, true};
+constexpr optionEntry shell{"SHELL", "", "Which shell", &commandLine::shell, valueKind::shell, true};
 
 // --- options of all commands that read ---
 constexpr optionEntry reading[] = {
-    {"--type", "TYPE", "Format, by name or number", valueKind::fileType, &readingArguments::type},
-    {"--encoding", "NAME", "Encoding of text: CP1251, CP866...; UTF-8 when not given", valueKind::encoding,
-     &readingArguments::encoding},
-    {"--delimiter", "TEXT", "What separates values, tab for TAB; ';' when not given", valueKind::text,
-     &readingArguments::delimiter},
-    {"--quote", "TEXT", "What encloses values, \"\" for nothing; '\"' when not given", valueKind::text,
-     &readingArguments::quote},
-    {"--header-row", "LINE", "Line of the field names, from 1, or none; 1 when not given", valueKind::text,
-     &readingArguments::headerRow},
-    {"--data-row", "LINE", "First line of data; the line after the header when not given", valueKind::text,
-     &readingArguments::dataRow},
-    {"--table", "NAME", "Table or sheet, where the file holds several", valueKind::text, &readingArguments::table},
+    {"--type", "TYPE", "Format, by name or number", &readingArguments::type, valueKind::fileType},
+    {"--encoding", "NAME", "Encoding of text: CP1251, CP866...; UTF-8 when not given", &readingArguments::encoding,
+     valueKind::encoding},
+    {"--delimiter", "TEXT", "What separates values, tab for TAB; ';' when not given", &readingArguments::delimiter,
+     valueKind::text},
+    {"--quote", "TEXT", "What encloses values, \"\" for nothing; '\"' when not given", &readingArguments::quote,
+     valueKind::text},
+    {"--header-row", "LINE", "Line of the field names, from 1, or none; 1 when not given", &readingArguments::headerRow,
+     valueKind::text},
+    {"--data-row", "LINE", "First line of data; the line after the header when not given", &readingArguments::dataRow,
+     valueKind::text},
+    {"--table", "NAME", "Table or sheet, where the file holds several", &readingArguments::table, valueKind::text},
     {"--system-encoding", "NAME", "Code page to use as the system's own: the text of DBF files is in it",
-     valueKind::encoding, &readingArguments::systemEncoding},
+     &readingArguments::systemEncoding, valueKind::encoding},
 };
 constexpr const optionEntry& type = reading[0];
 
 // --- options of single commands ---
-constexpr optionEntry json{"--json", "", "One JSON document, messages included (docs/tool_json.md)", valueKind::text,
-                           &commandLine::json};
-constexpr optionEntry csv{"--csv", "", "Comma-separated values, quoted where it is needed", valueKind::text,
-                          &commandLine::csv};
-constexpr optionEntry rows{"-n,--rows", "N", "How many rows; 10 when not given", valueKind::text, &commandLine::rows};
+constexpr optionEntry json{"--json", "", "One JSON document, messages included (docs/tool_json.md)", &commandLine::json,
+                           valueKind::text};
+constexpr optionEntry csv{"--csv", "", "Comma-separated values, quoted where it is needed", &commandLine::csv,
+                          valueKind::text};
+constexpr optionEntry rows{"-n,--rows", "N", "How many rows; 10 when not given", &commandLine::rows, valueKind::text};
 constexpr optionEntry select{"--select", "FIELD[,FIELD...]", "These fields alone, in this order; may be repeated",
-                             valueKind::text, &commandLine::selected};
+                             &commandLine::selected, valueKind::text};
 constexpr optionEntry where{"--where", "FIELD=VALUE", "A value that a field has, exactly; may be repeated",
-                            valueKind::text, &commandLine::conditions, true};
+                            &commandLine::conditions, valueKind::text, true};
 constexpr optionEntry show{"--show", "FIELD", "The field to print, a value a line; or --select for a table",
-                           valueKind::text, &commandLine::shownField};
-constexpr optionEntry force{"--force", "", "Replace files that exist", valueKind::text, &commandLine::force};
-constexpr optionEntry strict{"--strict", "", "Write nothing when the target cannot hold all values", valueKind::text,
-                             &commandLine::strict};
+                           &commandLine::shownField, valueKind::text};
+constexpr optionEntry force{"--force", "", "Replace files that exist", &commandLine::force, valueKind::text};
+constexpr optionEntry strict{"--strict", "", "Write nothing when the target cannot hold all values", &commandLine::strict,
+                             valueKind::text};
 constexpr optionEntry outputDelimiter{"--output-delimiter", "TEXT",
-                                      "What separates values in delimited text; ';' when not given", valueKind::text,
-                                      &commandLine::targetDelimiter};
+                                      "What separates values in delimited text; ';' when not given", &commandLine::targetDelimiter,
+                                      valueKind::text};
 constexpr optionEntry fields{"--fields", "FIELD=TYPE,...",
                              "Types of a DBF file: C20, N10.2, D; chosen from the data when not given",
-                             valueKind::text, &commandLine::targetFields};
+                             &commandLine::targetFields, valueKind::text};
 constexpr optionEntry rejects{"--rejects", "FILE", "Keep the rejected lines in this file, byte by byte",
-                              valueKind::file, &commandLine::rejects};
+                              &commandLine::rejects, valueKind::file};
 constexpr optionEntry allTables{"--all-tables", "", "Write every table, each as a file of its own in the folder TARGET",
-                                valueKind::text, &commandLine::allTables};
+                                &commandLine::allTables, valueKind::text};
 constexpr optionEntry to{"--to", "FORMAT", "Format of the files of --all-tables; csv when not given",
-                         valueKind::targetFormat, &commandLine::targetFormat};
+                         &commandLine::targetFormat, valueKind::targetFormat};
 // clang-format on
 
 using optionList = std::vector<const optionEntry*>;

@@ -34,8 +34,8 @@ struct optionEntry {
   std::string_view names;      ///< "-n,--rows"; a word without option: what it is called
   std::string_view valueName;  ///< empty for a flag and for a word without option
   std::string_view text;
-  valueKind kind;
   requestMember member;
+  valueKind kind;
   bool isRequired = false;
 
   bool isFlag() const { return std::holds_alternative<bool commandLine::*>(member); }

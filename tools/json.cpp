@@ -37,18 +37,22 @@ wchar_t shortEscape(char32_t character) {
 
 void appendJsonString(std::wstring& out, std::wstring_view text) {
   out += L'"';
+  std::size_t plain = 0;  // where the text begins that stands as it is
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t begin = at;
     const char32_t character = nextCharacter(text, at);
-    if (const wchar_t letter = shortEscape(character)) {
-      out += L'\\';
-      out += letter;
-    } else if (drivesTerminal(character) || isSurrogate(character)) {
+    const wchar_t letter = shortEscape(character);
+    if (letter == 0 && !drivesTerminal(character) && !isSurrogate(character)) continue;
+    out.append(text, plain, begin - plain);
+    plain = at;
+    if (letter == 0) {
       appendEscape(out, character);
     } else {
-      out.append(text, begin, at - begin);
+      out += L'\\';
+      out += letter;
     }
   }
+  out.append(text, plain);
   out += L'"';
 }
 
@@ -79,9 +83,9 @@ void jsonWriter::key(std::string_view name) {
 
 void jsonWriter::string(std::wstring_view text) {
   separate();
-  std::wstring written;
-  appendJsonString(written, text);
-  output_.text(written);
+  scratch_.clear();
+  appendJsonString(scratch_, text);
+  output_.text(scratch_);
 }
 
 void jsonWriter::string(std::string_view utf8) { string(std::wstring_view(toWide(utf8))); }

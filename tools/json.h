@@ -49,6 +49,7 @@ class jsonWriter {
   void close(wchar_t bracket);
 
   dataOutput& output_;
+  std::wstring scratch_;
   bool isFirst_ = true;  // of the values in this bracket
   bool afterKey_ = false;
   bool breaks_ = false;
