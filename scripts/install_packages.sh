@@ -21,7 +21,7 @@ packages_of() {
     run) echo "$run" ;;
     native) echo "$native" ;;
     windows) echo "$native g++-mingw-w64-x86-64-posix libodbc2 libz-mingw-w64-dev locales tcl wine wine64" ;;
-    lint) echo "$native clang-format clang-tidy" ;;
+    lint) echo "$native clang-format clang-tidy doxygen" ;;
     fuzz) echo "$run clang" ;;
     bench) echo "$run python3" ;;
     bench-peers)
