@@ -42,7 +42,6 @@ struct rejectedRecord {
   std::uint64_t offset = noOffset;  ///< of its first byte in the source
   std::uint64_t size = 0;           ///< its bytes in the source, the line end included
 };
-};
 
 /// The base of every reader: the options, the results of a read, and all lookups in them.
 class VOK_API tableReader {
