@@ -16,7 +16,8 @@ set -u
 packages_of() {
   local run="cmake g++ libcli11-dev libexpat1-dev libfmt-dev libsqlite3-dev ninja-build unixodbc-dev zlib1g-dev"
   local native="$run binutils gcc googletest libsqliteodbc libxml2-utils mdbtools mono-mcs mono-runtime"
-  native="$native odbc-mdbtools python3 python3-dbfread python3-openpyxl python3-xlrd"
+  native="$native odbc-mdbtools python3 python3-dbfread python3-openpyxl python3-pip"
+  native="$native python3-wheel python3-xlrd"
   case $1 in
     run) echo "$run" ;;
     native) echo "$native" ;;
