@@ -88,3 +88,14 @@ if(NOT WIN32)
   add_test(NAME interface.layers COMMAND ${check_layers} ${PROJECT_SOURCE_DIR})
   add_test(NAME interface.layers_self_test COMMAND ${check_layers} --self-test)
 endif()
+
+# --- installed and used from outside --------------------------------------------------------------
+set(install_test ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/install/install_test.py
+  --build ${PROJECT_BINARY_DIR} --source ${PROJECT_SOURCE_DIR} --cmake ${CMAKE_COMMAND})
+if(WIN32)
+  list(APPEND install_test --emulator ${vok_emulator} --toolchain ${CMAKE_TOOLCHAIN_FILE})
+  add_test(NAME install.windows COMMAND ${install_test} WindowsZip Folder)
+else()
+  add_test(NAME install.folder COMMAND ${install_test} Folder)
+  add_test(NAME install.debian_packages COMMAND ${install_test} DebianPackages)
+endif()
