@@ -40,6 +40,7 @@ extern "C" {
 /* vo_options_set_main_module_path of vok_basic.h: the converter that reads workbooks is looked for beside
  * this path. For a host that is an interpreter: the interpreter's folder does not hold it. */
 VOK_API bool vo_options_set_main_module_path_u8(const char* path);
+/* The same in UTF-16. */
 VOK_API bool vo_options_set_main_module_path_u16(const uint16_t* path);
 
 /* ---- options ---- */
@@ -47,28 +48,34 @@ VOK_API bool vo_options_set_main_module_path_u16(const uint16_t* path);
 /* New options for a path, everything else at its default, to be freed with vo_table_reader_options_close.
  * Null: the path is not valid UTF-8, or memory is short. */
 VOK_API vo_table_reader_options* vo_table_reader_options_create_u8(const char* path);
+/* The same in UTF-16. */
 VOK_API vo_table_reader_options* vo_table_reader_options_create_u16(const uint16_t* path);
 
+/* Replaces the path. */
 VOK_API bool vo_table_reader_options_set_path_u8(vo_table_reader_options* options,
                                                  const char* path);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_options_set_path_u16(vo_table_reader_options* options,
                                                   const uint16_t* path);
 
 /* The text between values; it may have several characters. Empty: none, every line is one value. */
 VOK_API bool vo_table_reader_options_set_delimiter_u8(vo_table_reader_options* options,
                                                       const char* delimiter);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_options_set_delimiter_u16(vo_table_reader_options* options,
                                                        const uint16_t* delimiter);
 
 /* The text around values that hold the delimiter. Empty: no value is quoted. */
 VOK_API bool vo_table_reader_options_set_quote_u8(vo_table_reader_options* options,
                                                   const char* quote);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_options_set_quote_u16(vo_table_reader_options* options,
                                                    const uint16_t* quote);
 
 /* The table or sheet to read, where the source holds several. */
 VOK_API bool vo_table_reader_options_set_table_u8(vo_table_reader_options* options,
                                                   const char* name);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_options_set_table_u16(vo_table_reader_options* options,
                                                    const uint16_t* name);
 
@@ -81,18 +88,22 @@ VOK_API bool vo_table_reader_options_set_any_file_type(vo_table_reader_options* 
 
 /* Chooses the table for the next read. */
 VOK_API bool vo_table_reader_set_table_u8(vo_table_reader* reader, const char* name);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_set_table_u16(vo_table_reader* reader, const uint16_t* name);
 
 /* The name of every table in the source. */
 VOK_API bool vo_table_reader_table_list_u8(vo_table_reader* reader, vo_text_list* list);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_table_list_u16(vo_table_reader* reader, vo_text_list* list);
 
 /* Every field name. */
 VOK_API bool vo_table_reader_field_list_u8(vo_table_reader* reader, vo_text_list* list);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_field_list_u16(vo_table_reader* reader, vo_text_list* list);
 
 /* Index of the first field of this name; -1 when there is none. */
 VOK_API int32_t vo_table_reader_field_num_u8(vo_table_reader* reader, const char* name);
+/* The same in UTF-16. */
 VOK_API int32_t vo_table_reader_field_num_u16(vo_table_reader* reader, const uint16_t* name);
 
 /* 1: the source declares the field as numbers; 0: text, or nothing is declared, as in delimited text;
@@ -102,22 +113,27 @@ VOK_API int32_t vo_table_reader_field_type(vo_table_reader* reader, uint64_t ind
 /* One value: a list of one text, empty when there is no such value. */
 VOK_API bool vo_table_reader_value_index_u8(vo_table_reader* reader, uint64_t index, uint64_t row,
                                             vo_text_list* list);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_value_index_u16(vo_table_reader* reader, uint64_t index, uint64_t row,
                                              vo_text_list* list);
+/* The same by the field's name, the first of it. */
 VOK_API bool vo_table_reader_value_name_u8(vo_table_reader* reader, const char* name, uint64_t row,
                                            vo_text_list* list);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_value_name_u16(vo_table_reader* reader, const uint16_t* name,
                                             uint64_t row, vo_text_list* list);
 
 /* The values of a row, in field order; no text when the row does not exist. Rows of some formats have fewer
  * or more values than there are fields. */
 VOK_API bool vo_table_reader_row_u8(vo_table_reader* reader, uint64_t row, vo_text_list* list);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_row_u16(vo_table_reader* reader, uint64_t row, vo_text_list* list);
 
 /* A whole column in one call, one text for every row, in row order; the empty text for a row that is too
  * short. No text for a field that does not exist. Costs about as much as copying the column once; a million
  * values of ten bytes make a list of 11 MB and 8 MB of offsets. */
 VOK_API bool vo_table_reader_column_u8(vo_table_reader* reader, uint64_t index, vo_text_list* list);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_column_u16(vo_table_reader* reader, uint64_t index,
                                         vo_text_list* list);
 
@@ -128,6 +144,7 @@ VOK_API bool vo_table_reader_column_u16(vo_table_reader* reader, uint64_t index,
 VOK_API bool vo_table_reader_search_u8(vo_table_reader* reader, const char* result,
                                        const uint64_t* columns, const char* const* values,
                                        uint64_t count, vo_text_list* list);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_search_u16(vo_table_reader* reader, const uint16_t* result,
                                         const uint64_t* columns, const uint16_t* const* values,
                                         uint64_t count, vo_text_list* list);
@@ -136,6 +153,7 @@ VOK_API bool vo_table_reader_search_u16(vo_table_reader* reader, const uint16_t*
  * them: the source is read once more. false when it cannot be read or its format rejects no lines. */
 VOK_API bool vo_table_reader_rejected_u8(vo_table_reader* reader, uint64_t most,
                                          vo_text_list* list);
+/* The same in UTF-16. */
 VOK_API bool vo_table_reader_rejected_u16(vo_table_reader* reader, uint64_t most,
                                           vo_text_list* list);
 

@@ -39,6 +39,7 @@ typedef struct vo_table_writer vo_table_writer;
 /* New options for a path, without fields, delimiter ";". Null: the path is not valid UTF-8, or memory is
  * short. To be freed with vo_table_writer_options_close. */
 VOK_API vo_table_writer_options* vo_table_writer_options_create_u8(const char* path);
+/* The same in UTF-16. */
 VOK_API vo_table_writer_options* vo_table_writer_options_create_u16(const uint16_t* path);
 
 /* Frees the options; null is ignored. */
@@ -47,6 +48,7 @@ VOK_API void vo_table_writer_options_close(vo_table_writer_options* options);
 /* The text between values of delimited text; the other formats have none. */
 VOK_API bool vo_table_writer_options_set_delimiter_u8(vo_table_writer_options* options,
                                                       const char* delimiter);
+/* The same in UTF-16. */
 VOK_API bool vo_table_writer_options_set_delimiter_u16(vo_table_writer_options* options,
                                                        const uint16_t* delimiter);
 
@@ -58,6 +60,7 @@ VOK_API bool vo_table_writer_options_set_delimiter_u16(vo_table_writer_options* 
 VOK_API bool vo_table_writer_options_add_field_u8(vo_table_writer_options* options,
                                                   const char* name, int32_t type, int32_t width,
                                                   int32_t decimals);
+/* The same in UTF-16. */
 VOK_API bool vo_table_writer_options_add_field_u16(vo_table_writer_options* options,
                                                    const uint16_t* name, int32_t type,
                                                    int32_t width, int32_t decimals);
@@ -70,6 +73,7 @@ VOK_API vo_table_writer* vo_table_writer_open(const vo_table_writer_options* opt
  * a count that is not 0, and for a row without values, which only DBF takes. */
 VOK_API bool vo_table_writer_add_row_u8(vo_table_writer* writer, const char* const* values,
                                         uint64_t count);
+/* The same in UTF-16. */
 VOK_API bool vo_table_writer_add_row_u16(vo_table_writer* writer, const uint16_t* const* values,
                                          uint64_t count);
 

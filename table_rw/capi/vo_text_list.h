@@ -49,9 +49,12 @@ VOK_API uint64_t vo_text_list_count(const vo_text_list* list);
 /* The count + 1 offsets, in units; null for a null list alone. */
 VOK_API const uint64_t* vo_text_list_offsets(const vo_text_list* list);
 
-/* The units of all texts. Null when the list was last filled with the other kind of units, so that nobody
- * reads one as the other; of a new list both answer a lone NUL. */
+/* The bytes of all texts. Null when the list was last filled with UTF-16, so that nobody reads one as the
+ * other; a new list answers a lone NUL. */
 VOK_API const char* vo_text_list_data_u8(const vo_text_list* list);
+
+/* The UTF-16 units of all texts. Null when the list was last filled with UTF-8; a new list answers a lone
+ * NUL. */
 VOK_API const uint16_t* vo_text_list_data_u16(const vo_text_list* list);
 
 #ifdef __cplusplus
