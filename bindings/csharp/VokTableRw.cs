@@ -538,6 +538,7 @@ namespace Vok.TableRw
                 texts[i] = Marshal.PtrToStringUni(new IntPtr(data + 2 * start), checked((int)(end - start - 1)));
                 start = end;
             }
+            GC.KeepAlive(list); // its memory was read behind the collector's back
             return texts;
         }
 

@@ -1,7 +1,7 @@
 #include "table_rw/capi/vo_text_list.h"
 
 #include <algorithm>
-#include <new>
+#include <utility>
 
 #include "table_rw/capi/textUnits.h"
 #include "table_rw/text/utf8.h"

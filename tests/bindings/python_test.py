@@ -369,13 +369,13 @@ class Writing(PackageTest):
 class TheLibrary(PackageTest):
     """How it is found, each in a process of its own."""
 
-    def run_python(self, program, **environment):
+    def run_python(self, program, cwd=None, **environment):
         settings = {key: value for key, value in os.environ.items() if key != "VOK_TABLE_RW_LIBRARY"}
         settings.update(environment)
         settings["PYTHONPATH"] = os.path.join(Settings.source, "bindings", "python")
         settings["PYTHONDONTWRITEBYTECODE"] = "1"
         return subprocess.run([sys.executable, "-c", program], env=settings, capture_output=True, text=True,
-                              encoding="utf-8", check=False)
+                              encoding="utf-8", cwd=cwd, check=False)
 
     def test_by_file_and_by_folder(self):
         program = "import vok_table_rw; print(vok_table_rw.load_library()._name)"
@@ -406,6 +406,17 @@ class TheLibrary(PackageTest):
         program = f"import vok_table_rw; print(vok_table_rw.read_table({self.path('o.xlsx')!r})['A'])"
         run = self.run_python(program, LD_LIBRARY_PATH=os.path.dirname(Settings.library))
         self.assertEqual((run.stdout.strip(), run.stderr), ("['1', '2']", ""))
+
+    def test_the_readmes_program(self):
+        with open(os.path.join(Settings.source, "README.md"), encoding="utf-8") as file:
+            program = re.search(r"```python\n(.*?)```", file.read(), re.DOTALL).group(1)
+        program = re.sub(r"^ +frame = .*\n", "", program, flags=re.MULTILINE)  # pandas has its own tests
+        os.symlink(os.path.join(Settings.source, "examples"), self.path("examples"))
+        run = self.run_python(program, cwd=self.folder, VOK_TABLE_RW_LIBRARY=Settings.library)
+        self.assertEqual((run.returncode, run.stderr), (0, ""))
+        self.assertIn("9\n['101-Р', '102-Р']\n6 105-Р;Восточная;", run.stdout)
+        with self.vok.read_table(self.path("out.xlsx")) as table:
+            self.assertEqual((table.names, len(table)), (["WELL", "DEPTH"], 9))
 
     def test_encodings_are_the_librarys(self):
         with open(os.path.join(Settings.source, "table_rw", "text", "textEncoding.h"), encoding="utf-8") as file:
