@@ -20,6 +20,7 @@
 #include "database/odbc_result.h"
 #include "platform/vok_export.h"
 
+/// A connection to one project database at a time, none at first.
 class VOK_API odbc_database {
  public:
   odbc_database();
@@ -36,8 +37,9 @@ class VOK_API odbc_database {
   bool connect(const std::string& path);
   /// Closes the database and opens another, or the same again.
   bool reconnect(const std::string& path);
-  bool is_connected() const;
+  bool is_connected() const;  ///< whether a database is open here
 
+  /// What kind of base it is, connected or not: sqlite.
   odbc_base_type identify_base_type() const;
   /// The folder of the project's files, which the log stands in.
   void set_file_container_path(std::wstring path);
@@ -53,10 +55,10 @@ class VOK_API odbc_database {
   /// ODD: nobody asks what the database said to these: commit and rollback answer true, and the flag
   /// follows the calls. Programs call them in pairs whether anything is open or not.
   void begin_transaction();
-  bool commit();
-  bool rollback();
-  void end_transaction();
-  bool is_transacton() const;  // spelled so
+  bool commit();               ///< keeps what was done since the beginning; true always
+  bool rollback();             ///< undoes what was done since the beginning; true always
+  void end_transaction();      ///< ends it as commit does
+  bool is_transacton() const;  ///< whether one was begun and not ended; spelled so
 
   /// `<file container path>\_base\base.log`.
   std::wstring get_log_path() const;

@@ -43,17 +43,18 @@ VOK_API std::int32_t STRATA_getDBNumValue(const std::wstring& sql, odbc_database
 /// The same with 64 bits.
 VOK_API std::int64_t STRATA_getDBCounter(const std::wstring& sql, odbc_database* db, bool* ok);
 
-/// The folder of a well: work object, field and name, joined with `\` on every system; an absolute part
-/// replaces what is before it. Empty when there is no such well.
+/// The folder of a well: work object, field and name, joined with backslashes on every system; an
+/// absolute part replaces what is before it. Empty when there is no such well.
 /// @param wellId  as text: the operand of SQL's `w_id =`, put there as it is, so text needs its quotes
 VOK_API std::wstring STRATA_getWellPath(odbc_database* db, int wellId);
+/// The same for a number in text.
 VOK_API std::wstring STRATA_getWellPath(odbc_database* db, std::wstring wellId);
 
 /// The folder of a well's field: work object and field.
 VOK_API std::wstring STRATA_getFieldPath(odbc_database* db, std::wstring wellId);
 
-/// Makes sure that the folder `path`\`part` exists, and every folder above it. Both `\` and `/` separate,
-/// on every system. An empty path does nothing; what cannot be created is missing afterwards.
+/// Makes sure that the folder `part` in the folder `path` exists, and every folder above it. The slash and
+/// the backslash separate, on every system. An empty path does nothing; what cannot be created is missing afterwards.
 VOK_API void STRATA_makeObjectPath(std::wstring path, std::wstring part);
 
 #endif

@@ -34,8 +34,11 @@ class VOK_API Tvo_string_adapter_base {
   virtual void receive_narrow(const char* text) = 0;
 
  protected:
+  /* Adapters are made, copied and destroyed as what they are. */
   Tvo_string_adapter_base() = default;
+  /* Copies nothing: the base holds nothing. */
   Tvo_string_adapter_base(const Tvo_string_adapter_base&) = default;
+  /* Copies nothing: the base holds nothing. */
   Tvo_string_adapter_base& operator=(const Tvo_string_adapter_base&) = default;
   ~Tvo_string_adapter_base() = default;
 };
@@ -73,6 +76,7 @@ extern "C" {
 
 /* ---- string adapters ---- */
 
+/* A handle on an adapter. */
 typedef struct vo_string_adp vo_string_adp;
 
 /* Receives one wide string; the text is valid during the call only and never null (a null that was fed
@@ -98,6 +102,7 @@ VOK_API void vo_string_adp_destroy(vo_string_adp* adapter);
 
 /* ---- lists of narrow strings ---- */
 
+/* A list of narrow strings, which it owns. */
 typedef struct vo_strings vo_strings;
 
 /* An empty list, to be freed with vo_strings_destroy. */
@@ -112,6 +117,7 @@ VOK_API size_t vo_strings_get_size(const vo_strings* list);
 /* The string at an index; null when there is none. It lives until the list is changed or freed. */
 VOK_API const char* vo_strings_get_str(const vo_strings* list, size_t index);
 
+/* Frees the list and its strings. */
 VOK_API void vo_strings_destroy(vo_strings* list);
 
 /* ---- text as ASCII ---- */

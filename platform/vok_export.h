@@ -5,6 +5,7 @@
 #ifndef VOK_PLATFORM_VOK_EXPORT_H
 #define VOK_PLATFORM_VOK_EXPORT_H
 
+/* Marks a public name. */
 #if defined(VOK_STATIC)
 #define VOK_API
 #elif defined(_WIN32)

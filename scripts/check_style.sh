@@ -1,8 +1,9 @@
 #!/bin/bash
-# Checks how the sources are written: check_style.sh [format|tidy]; both without an argument.
+# Checks how the sources are written: check_style.sh [format|tidy|pages]; all of them without an argument.
 #
 #   format  clang-format over every source would change nothing
 #   tidy    clang-tidy has no findings in the sources that are no tests
+#   pages   every public name is documented; the pages lie in build/doxygen/html
 set -u
 
 cd "$(dirname "$0")/.." || exit 2
@@ -41,14 +42,24 @@ check_tidy() {
   python3 scripts/run_clang_tidy.py . build/native build/tidy "$jobs"
 }
 
+check_pages() {
+  # The headers are those that the build hands to hosts.
+  if [ ! -e build/native/public_include ]; then
+    cmake --preset native >/dev/null || return 1
+  fi
+  mkdir -p build/doxygen && doxygen docs/Doxyfile
+}
+
 case ${1-all} in
   format) check_format ;;
   tidy) check_tidy ;;
+  pages) check_pages ;;
   all)
-    check_format
-    result=$?
-    check_tidy && exit $result
-    exit 1
+    result=0
+    for check in format tidy pages; do
+      "check_$check" || result=1
+    done
+    exit "$result"
     ;;
-  *) echo "usage: check_style.sh [format|tidy]" >&2; exit 2 ;;
+  *) echo "usage: check_style.sh [format|tidy|pages]" >&2; exit 2 ;;
 esac

@@ -15,13 +15,14 @@ set -u
 
 packages_of() {
   local run="cmake g++ libcli11-dev libexpat1-dev libfmt-dev libsqlite3-dev ninja-build unixodbc-dev zlib1g-dev"
-  local native="$run binutils dpkg-dev gcc googletest libsqliteodbc libxml2-utils mdbtools odbc-mdbtools pkg-config python3"
-  native="$native python3-dbfread python3-openpyxl python3-xlrd"
+  local native="$run binutils dpkg-dev gcc googletest libsqliteodbc libxml2-utils mdbtools mono-mcs mono-runtime"
+  native="$native odbc-mdbtools pkg-config python3 python3-dbfread python3-openpyxl python3-pip python3-wheel"
+  native="$native python3-xlrd"
   case $1 in
     run) echo "$run" ;;
     native) echo "$native" ;;
     windows) echo "$native g++-mingw-w64-x86-64-posix libodbc2 libz-mingw-w64-dev locales tcl wine wine64" ;;
-    lint) echo "$native clang-format clang-tidy" ;;
+    lint) echo "$native clang-format clang-tidy doxygen" ;;
     fuzz) echo "$run clang" ;;
     bench) echo "$run python3" ;;
     bench-peers)

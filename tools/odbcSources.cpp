@@ -65,12 +65,27 @@ std::string connectionString(const std::wstring& path, odbcKind kind, const std:
                      toUtf8(path.substr(0, file)));
 }
 
+// Why the reader does not hand a file to any driver; empty when it does.
+std::string refusalOf(const std::wstring& path) {
+  const std::string name = toUtf8(path);
+  if (path.find(L';') != std::wstring::npos)
+    return "a path with a semicolon cannot be told to a driver; rename the file or the folder";
+  if (fromSystem(toSystem(name).c_str()) != name)
+    return fmt::format(
+        "the path holds characters that the system's code page {} lacks; rename the file or the "
+        "folder",
+        platform::resolveCodePage(platform::systemCodePage));
+  if (platform::isPipeOrDevice(path)) return "drivers read files, not pipes and devices";
+  return {};
+}
+
 odbcAttempt attempt(const std::wstring& path, odbcKind kind, const std::string& name) {
   struct closer {
     void operator()(Ivo_odbc_connect* connection) const { vo_odbc_connect_destroy(connection); }
   };
   const std::unique_ptr<Ivo_odbc_connect, closer> connection(vo_odbc_connect_create());
-  odbcAttempt made{name, false, {}};
+  odbcAttempt made{name, false, refusalOf(path)};
+  if (!made.message.empty()) return made;
   const std::string text = toSystem(connectionString(path, kind, name));
   made.connected = vo_odbc_connect_open_driver(connection.get(), nullptr, text.c_str());
   made.message = fromSystem(vo_odbc_connect_get_message(connection.get()));

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/vok_io.h"
+#include "suite/io/odbcBlocks.h"
 #include "suite/io/odbcHandles.h"
 #include "suite/io/odbcSources.h"
 #include "suite/io/odbcValues.h"
@@ -14,6 +15,7 @@
 using suiteIo::allocate;
 using suiteIo::bytesOf;
 using suiteIo::fromDriver;
+using suiteIo::odbcColumn;
 using suiteIo::odbcEnvironment;
 using suiteIo::odbcHandle;
 
@@ -104,8 +106,8 @@ struct Ivo_odbc_connect {
 struct Ivo_odbc_field {
   Ivo_odbc_stmt* statement;
   SQLUSMALLINT number;  // from 1
-  std::string name;
   SQLSMALLINT type;
+  std::string name;
   std::string value;
 };
 
@@ -114,29 +116,54 @@ struct Ivo_odbc_fields {
 };
 
 struct Ivo_odbc_stmt {
-  std::shared_ptr<connection> base;  // before the handle, so that it is freed after it
+  std::shared_ptr<connection> base;  // before the handle, as are the blocks: it is freed first
+  suiteIo::odbcBlocks blocks;
   odbcHandle<SQL_HANDLE_STMT> handle;
   std::string sql;
+  std::vector<odbcColumn> described;
   Ivo_odbc_fields fields;
   suiteIo::odbcValues values;
   std::size_t columnsRead = 0;  // of the current row
+  bool fresh = false;           // has run, and no row has been asked for
   bool onRow = false;
   bool ended = true;  // nothing more can be fetched
   bool failed = false;
 
   bool check(SQLRETURN result) { return base->check(result, SQL_HANDLE_STMT, handle.get()); }
 
-  bool describe(SQLUSMALLINT number) {
+  bool makeHandle() {
+    handle.reset();  // first: some drivers have room for one alone
+    blocks.stop();
+    handle = allocate<SQL_HANDLE_STMT>(base->handle.get());
+    return base->check(handle ? SQL_SUCCESS : SQL_ERROR, SQL_HANDLE_DBC, base->handle.get());
+  }
+
+  // A statement that changes rows, and found none, has run too.
+  bool run(bool& hasRows) {
+    const SQLRETURN result = SQLExecDirect(handle.get(), bytesOf(sql), SQL_NTS);
+    hasRows = SQL_SUCCEEDED(result);
+    return result == SQL_NO_DATA || check(result);
+  }
+
+  bool describe(std::vector<odbcColumn>& columns) {
+    columns.clear();
+    SQLSMALLINT count = 0;
+    bool succeeded = check(SQLNumResultCols(handle.get(), &count));
+    for (int number = 1; succeeded && number <= count; ++number)
+      succeeded = describe(static_cast<SQLUSMALLINT>(number), columns.emplace_back());
+    if (!succeeded) columns.clear();
+    return succeeded;
+  }
+
+  bool describe(SQLUSMALLINT number, odbcColumn& column) {
     std::vector<SQLCHAR> name(256);
     while (true) {
       SQLSMALLINT length = 0;
-      SQLSMALLINT type = 0;
-      SQLULEN size = 0;
       SQLSMALLINT decimals = 0;
       SQLSMALLINT nullable = 0;
       const SQLRETURN result =
           SQLDescribeCol(handle.get(), number, name.data(), static_cast<SQLSMALLINT>(name.size()),
-                         &length, &type, &size, &decimals, &nullable);
+                         &length, &column.type, &column.size, &decimals, &nullable);
       if (!check(result)) return false;
       if (length < 0) length = 0;
       const auto nameLength = static_cast<std::size_t>(length);
@@ -144,16 +171,65 @@ struct Ivo_odbc_stmt {
         name.assign(nameLength + 1, 0);
         continue;
       }
-      fields.columns.push_back(
-          {this, number, fromDriver(std::string(name.begin(), name.begin() + length)), type, {}});
+      column.name = fromDriver(std::string(name.begin(), name.begin() + length));
       return true;
     }
+  }
+
+  // Blocks may make a second run necessary, which must change nothing.
+  bool mayRunTwice() const {
+    constexpr std::string_view select = "select ";
+    return std::string_view(sql).substr(0, select.size()) == select &&
+           sql.find(';') == std::string::npos;
+  }
+
+  bool nextRow() {
+    if (fresh && mayRunTwice()) blocks.begin(handle.get(), described);
+    fresh = false;
+    if (blocks.inUse()) {
+      const auto step = blocks.next(handle.get());
+      if (step != suiteIo::odbcBlocks::step::unsound) return step == suiteIo::odbcBlocks::step::row;
+      failed = !runToTheSameRow();
+      if (failed) return false;
+    }
+    const SQLRETURN result = SQLFetch(handle.get());
+    failed = result != SQL_NO_DATA && !check(result);
+    return SQL_SUCCEEDED(result);
+  }
+
+  // Runs the SQL again, to go on one row at a time behind those that the blocks have given.
+  bool runToTheSameRow() {
+    const suiteIo::rowsGiven before = blocks.given();
+    bool hasRows = false;
+    std::vector<odbcColumn> columns;
+    if (!makeHandle() || !run(hasRows) || !describe(columns)) return false;
+    suiteIo::rowsGiven now;
+    std::string value;
+    SQLRETURN result = SQL_SUCCESS;
+    while (now.rows() < before.rows() && SQL_SUCCEEDED(result = SQLFetch(handle.get()))) {
+      for (const Ivo_odbc_field& field : fields.columns) {
+        if (!check(values.readRaw(handle.get(), field.number, field.type, value) ? SQL_SUCCESS
+                                                                                 : SQL_ERROR))
+          return false;
+        now.addValue(value);
+      }
+      now.endRow();
+    }
+    if (result != SQL_NO_DATA && !check(result)) return false;
+    if (now == before && columns == described) return true;
+    base->message = "the table has changed while it was read";
+    return false;
   }
 
   // Many drivers give the values of a row in their order only, and each once.
   void readUpTo(SQLUSMALLINT number) {
     while (onRow && columnsRead < number) {
-      Ivo_odbc_field& field = fields.columns[columnsRead++];
+      Ivo_odbc_field& field = fields.columns[columnsRead];
+      if (blocks.inUse()) {
+        field.value = fromDriver(blocks.value(columnsRead++));
+        continue;
+      }
+      ++columnsRead;
       if (values.read(handle.get(), field.number, field.type, field.value)) continue;
       base->message = suiteIo::diagnosticsOf(SQL_HANDLE_STMT, handle.get());
       failed = ended = true;
@@ -223,13 +299,9 @@ void vo_odbc_connect_get_tables(Ivo_odbc_connect* connection, vo_strings* list, 
 
 Ivo_odbc_stmt* vo_odbc_connect_create_stmt(Ivo_odbc_connect* connection) {
   if (connection == nullptr || !connection->current->open) return nullptr;
-  struct connection& base = *connection->current;
   auto statement = std::make_unique<Ivo_odbc_stmt>();
   statement->base = connection->current;
-  statement->handle = allocate<SQL_HANDLE_STMT>(base.handle.get());
-  const bool made =
-      base.check(statement->handle ? SQL_SUCCESS : SQL_ERROR, SQL_HANDLE_DBC, base.handle.get());
-  return made ? statement.release() : nullptr;
+  return statement->makeHandle() ? statement.release() : nullptr;
 }
 
 void vo_odbc_connect_destroy_stmt(Ivo_odbc_connect*, Ivo_odbc_stmt* statement) { delete statement; }
@@ -242,25 +314,30 @@ void vo_odbc_stmt_set_sql(Ivo_odbc_stmt* statement, const char* sql) {
 
 bool vo_odbc_stmt_exec_direct(Ivo_odbc_stmt* statement) {
   if (statement == nullptr) return false;
-  SQLFreeStmt(statement->handle.get(), SQL_CLOSE);
+  statement->described.clear();
   statement->fields.columns.clear();
-  statement->onRow = statement->failed = false;
-  const SQLRETURN result = SQLExecDirect(statement->handle.get(), bytesOf(statement->sql), SQL_NTS);
-  // A statement that changes rows, and found none, has run too.
-  const bool hasRun = result == SQL_NO_DATA || statement->check(result);
-  statement->ended = !hasRun || result == SQL_NO_DATA;
+  statement->fresh = statement->onRow = statement->failed = false;
+  statement->ended = true;
+  if (statement->blocks.inUse()) {
+    if (!statement->makeHandle()) return false;
+  } else {
+    SQLFreeStmt(statement->handle.get(), SQL_CLOSE);
+  }
+  bool hasRows = false;
+  const bool hasRun = statement->run(hasRows);
+  statement->fresh = hasRows;
+  statement->ended = !hasRows;
   return hasRun;
 }
 
 bool vo_odbc_stmt_get_fields_desc(Ivo_odbc_stmt* statement) {
   if (statement == nullptr) return false;
   statement->fields.columns.clear();
-  SQLSMALLINT count = 0;
-  bool described = statement->check(SQLNumResultCols(statement->handle.get(), &count));
-  for (int number = 1; described && number <= count; ++number)
-    described = statement->describe(static_cast<SQLUSMALLINT>(number));
-  if (!described) statement->fields.columns.clear();
-  return described;
+  const bool isDescribed = statement->describe(statement->described);
+  SQLUSMALLINT number = 0;
+  for (const odbcColumn& column : statement->described)
+    statement->fields.columns.push_back({statement, ++number, column.type, column.name, {}});
+  return isDescribed;
 }
 
 Ivo_odbc_fields* vo_odbc_stmt_get_fields(Ivo_odbc_stmt* statement) {
@@ -286,10 +363,8 @@ int16_t vo_odbc_field_get_type(const Ivo_odbc_field* field) {
 bool vo_odbc_stmt_fetch(Ivo_odbc_stmt* statement) {
   if (statement == nullptr || statement->ended) return false;
   statement->columnsRead = 0;
-  const SQLRETURN result = SQLFetch(statement->handle.get());
-  statement->onRow = SQL_SUCCEEDED(result);
+  statement->onRow = statement->nextRow();
   statement->ended = !statement->onRow;
-  statement->failed = result != SQL_NO_DATA && !statement->check(result);
   return statement->onRow;
 }
 

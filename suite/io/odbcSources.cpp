@@ -87,6 +87,13 @@ void turnSlashes(std::vector<std::string>& parts) {
       std::replace(part.begin(), part.end(), '\\', '/');
 }
 
+// mdbtools passes over blanks before a value.
+void guardBlank(std::string& part, std::string_view folder) {
+  const auto file = valueOf(part, "dbq");
+  if (file && !file->empty() && file->front() == ' ' && folder.empty())
+    part.insert(part.size() - file->size(), "./");
+}
+
 }  // namespace
 
 std::vector<odbcEntry> listDataSources(SQLHENV environment) {
@@ -114,7 +121,8 @@ std::vector<std::string> partsOf(std::string_view connectionString) {
     const bool braced = equals < connectionString.size() - 1 &&
                         equals < connectionString.find(';') && connectionString[equals + 1] == '{';
     const std::size_t closing = braced ? connectionString.find('}', equals) : 0;
-    const std::size_t end = connectionString.find(';', closing);
+    const std::size_t end =
+        connectionString.find(';', closing == std::string_view::npos ? equals : closing);
     if (end != 0) parts.emplace_back(connectionString.substr(0, end));
     if (end == std::string_view::npos) break;
     connectionString.remove_prefix(end + 1);
@@ -131,9 +139,13 @@ std::string fittedConnectionString(std::string_view text, const std::vector<odbc
   const std::string driver =
       source != nullptr ? source->library : withoutBraces(valueOf(parts, "driver"));
   const std::string library = libraryName(driver, drivers);
-  const std::string file = valueOf(parts, "dbq");
-  if (source != nullptr && !file.empty() && library.find("mdbodbc") != std::string::npos)
-    return "Driver={" + driver + "};DBQ=" + valueOf(parts, "defaultdir") + file + ";";
+  if (library.find("mdbodbc") != std::string::npos) {
+    const std::string folder = valueOf(parts, "defaultdir");
+    for (std::string& part : parts) guardBlank(part, folder);
+    const std::string file = valueOf(parts, "dbq");
+    if (source != nullptr && !file.empty())
+      return "Driver={" + driver + "};DBQ=" + folder + file + ";";
+  }
   std::string fitted;
   for (const std::string& part : parts) fitted += part + ';';
   if (library.find("sqlite") != std::string::npos && valueOf(parts, "nocreat").empty())

@@ -3,6 +3,7 @@
 //     driver       what it does                               what is done about it
 //     mdbtools     ignores DBQ= beside DSN= and opens the     DSN=x;DBQ=f;DefaultDir=d; becomes
 //                  data source's own file, with success       Driver={driver of x};DBQ=df;
+//     mdbtools     passes over blanks before a file's name    ./ is put before them
 //     sqliteodbc   creates a missing database                 NoCreat=1; is added
 //     all, POSIX   know `/` alone                             `\` in DBQ= and DefaultDir= becomes `/`
 //

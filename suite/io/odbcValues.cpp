@@ -62,8 +62,8 @@ odbcValues::outcome odbcValues::readPieces(SQLHSTMT statement, SQLUSMALLINT colu
   }
 }
 
-bool odbcValues::read(SQLHSTMT statement, SQLUSMALLINT column, SQLSMALLINT sqlType,
-                      std::string& value) {
+bool odbcValues::readRaw(SQLHSTMT statement, SQLUSMALLINT column, SQLSMALLINT sqlType,
+                         std::string& value) {
   value.clear();
   outcome read = readPieces(statement, column, SQL_C_CHAR, value);
   if (read == outcome::nothing && isBinary(sqlType)) {
@@ -71,8 +71,14 @@ bool odbcValues::read(SQLHSTMT statement, SQLUSMALLINT column, SQLSMALLINT sqlTy
     value = hexadecimal(value);
   }
   if (read == outcome::failed) value.clear();
-  value = fromDriver(value);
   return read != outcome::failed;
+}
+
+bool odbcValues::read(SQLHSTMT statement, SQLUSMALLINT column, SQLSMALLINT sqlType,
+                      std::string& value) {
+  const bool isRead = readRaw(statement, column, sqlType, value);
+  value = fromDriver(value);
+  return isRead;
 }
 
 }  // namespace suiteIo

@@ -22,6 +22,8 @@ class odbcValues {
   /// @param value  receives the text; empty for NULL
   /// @return false when the driver fails; the value is empty then
   bool read(SQLHSTMT statement, SQLUSMALLINT column, SQLSMALLINT sqlType, std::string& value);
+  /// The same in the driver's text.
+  bool readRaw(SQLHSTMT statement, SQLUSMALLINT column, SQLSMALLINT sqlType, std::string& value);
 
  private:
   enum class outcome { whole, nothing, failed };

@@ -45,6 +45,7 @@ VOK_API vo_table_reader_options* vo_table_reader_options_create(const wchar_t* p
 /* Frees the options; null is ignored. */
 VOK_API void vo_table_reader_options_close(vo_table_reader_options* options);
 
+/* The path of the source. */
 VOK_API void vo_table_reader_options_set_path(vo_table_reader_options* options,
                                               const wchar_t* path);
 
@@ -107,6 +108,7 @@ VOK_API void vo_table_reader_field_list(vo_table_reader* reader, vo_string_adp* 
 /* Index of the first field of this name; -1 when there is none. */
 VOK_API int32_t vo_table_reader_field_num(vo_table_reader* reader, const wchar_t* name);
 
+/* Number of fields. */
 VOK_API uint64_t vo_table_reader_field_count(vo_table_reader* reader);
 
 /* Number of rows. */
@@ -115,6 +117,7 @@ VOK_API uint64_t vo_table_reader_count(vo_table_reader* reader);
 /* Feeds one value: always exactly one feed, the empty string when there is no such value. */
 VOK_API void vo_table_reader_value_index(vo_table_reader* reader, uint64_t index, uint64_t row,
                                          vo_string_adp* adapter);
+/* The same, by the field's name. */
 VOK_API void vo_table_reader_value_name(vo_table_reader* reader, const wchar_t* name, uint64_t row,
                                         vo_string_adp* adapter);
 

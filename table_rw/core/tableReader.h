@@ -33,9 +33,14 @@ namespace tableRW {
 
 /// A record that a read rejected, as it stands in the source.
 struct rejectedRecord {
-  std::uint64_t line = 0;      ///< its number in the source, from 0
-  std::size_t valueCount = 0;  ///< values found in it (fieldCount() were expected)
-  std::wstring text;           ///< the line, decoded, without its line end
+  /// The offset in sources whose records are no lines of the file: a sheet's rows.
+  static constexpr std::uint64_t noOffset = ~std::uint64_t{0};
+
+  std::uint64_t line = 0;           ///< its number in the source, from 0
+  std::size_t valueCount = 0;       ///< values found in it (fieldCount() were expected)
+  std::wstring text;                ///< the line, decoded, without its line end
+  std::uint64_t offset = noOffset;  ///< of its first byte in the source
+  std::uint64_t size = 0;           ///< its bytes in the source, the line end included
 };
 
 /// The base of every reader: the options, the results of a read, and all lookups in them.
@@ -43,7 +48,7 @@ class VOK_API tableReader {
  public:
   /// A copy holds the options and the results of the last read, the whole table included.
   tableReader(const tableReader& other);
-  tableReader& operator=(const tableReader& other);
+  tableReader& operator=(const tableReader& other);  ///< as a copy does
   virtual ~tableReader();
 
   /// Reads names and types of the fields, no rows. @return false when the source cannot be read
@@ -88,14 +93,15 @@ class VOK_API tableReader {
   std::wstring fieldName(std::size_t index) const;
   /// Type of a field; fldText for a bad index or an unknown name.
   fldType fieldType(std::size_t index) const;
-  fldType fieldType(std::wstring name) const;
+  fldType fieldType(std::wstring name) const;  ///< the same, by name
 
   /// One value; empty for a bad index, an unknown name or a row that does not exist.
   std::wstring value(std::size_t index, std::size_t row) const;
-  std::wstring value(const std::wstring& name, std::size_t row) const;
+  std::wstring value(const std::wstring& name, std::size_t row) const;  ///< the same, by name
   /// A whole column, in row order; `out` is empty for a bad index or an unknown name.
   void values(std::size_t index, std::vector<std::wstring>& out) const;
-  void values(const std::wstring& name, std::vector<std::wstring>& out) const;
+  void values(const std::wstring& name,
+              std::vector<std::wstring>& out) const;  ///< the same, by name
   /// A whole row; `out` is empty when it does not exist.
   void getRow(std::size_t row, std::vector<std::wstring>& out) const;
 
@@ -105,7 +111,7 @@ class VOK_API tableReader {
   /// Numbers, from 0, of the lines (records) that were rejected; each counts every physical line of the
   /// source from its start.
   void errorList(std::vector<std::size_t>& out) const;
-  std::uint64_t errorCount() const;
+  std::uint64_t errorCount() const;  ///< how many were rejected
   /// One entry of the error list; 2^64 - 1 for a bad index.
   std::uint64_t getError(std::size_t i) const;
 
@@ -128,18 +134,18 @@ class VOK_API tableReader {
 
  protected:
   tableReader();
-  explicit tableReader(tableReaderOptions options);
+  explicit tableReader(tableReaderOptions options);  ///< nothing is read yet
 
   /// True when every value is the empty string; also for a row without values.
   bool isRowEmpty(std::vector<std::wstring>& row) const;
 
-  tableReaderOptions options_;
-  bool ok_ = false;
-  std::vector<std::wstring> fieldNames_;
-  std::vector<fldType> fieldTypes_;
-  valueTable rows_;
-  std::vector<std::uint64_t> errors_;
-  std::int32_t rowLimit_ = -1;  // -1: no limit
+  tableReaderOptions options_;            ///< as they were given, but for what open adjusts
+  bool ok_ = false;                       ///< the answer of isOK
+  std::vector<std::wstring> fieldNames_;  ///< of the last read, in order
+  std::vector<fldType> fieldTypes_;       ///< one for each name
+  valueTable rows_;                       ///< the values of the last read
+  std::vector<std::uint64_t> errors_;     ///< numbers of rejected lines, in order
+  std::int32_t rowLimit_ = -1;            ///< of the read at hand; -1: no limit
 
  private:
   bool hasColumns(const std::vector<indexCondition>& conditions) const;

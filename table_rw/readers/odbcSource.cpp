@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/files.h"
 #include "platform/vok_basic.h"
 #include "table_rw/text/textConversion.h"
 
@@ -44,7 +45,11 @@ odbcSource::odbcSource()
     : connection_(vo_odbc_connect_create()),
       statement_(nullptr, statementCloser{connection_.get()}) {}
 
-bool odbcSource::connect(const std::string& connectionString) {
+bool odbcSource::connect(const std::string& connectionString, const std::wstring& path) {
+  constexpr std::wstring_view separators(L";\0", 2);
+  if (path.find_first_of(separators) != std::wstring::npos ||
+      fromSystem(toSystem(path).c_str()) != path || platform::isPipeOrDevice(path))
+    return false;
   return vo_odbc_connect_open_driver(connection_.get(), nullptr, connectionString.c_str());
 }
 

@@ -1,7 +1,7 @@
 // What the two readers of ODBC sources share: a connection, its tables, and the result of one statement.
 //
 //     odbcSource source;
-//     if (!source.connect(connectionString) || !source.selectFrom(table, *this)) return false;
+//     if (!source.connect(connectionString, path) || !source.selectFrom(table, *this)) return false;
 //     if (source.describe()) source.addRows(rows, limit);
 //
 // Text of drivers is narrow, in the system's code page. Everything is closed when the object goes, on
@@ -31,7 +31,12 @@ class odbcSource {
  public:
   odbcSource();
 
-  bool connect(const std::string& connectionString);
+  /// Opens a connection to a file.
+  /// @param connectionString  names the file, as it is
+  /// @param path  the file's. With a semicolon or NUL in it, or a character that the system's code page
+  ///              lacks, the string would name another file, which is not opened; nor is a pipe or device, for
+  ///              which a driver may wait for ever
+  bool connect(const std::string& connectionString, const std::wstring& path);
 
   /// The names of tables and views; see vo_odbc_connect_get_tables for `sheets`.
   void listTables(std::vector<std::wstring>& names, bool sheets);

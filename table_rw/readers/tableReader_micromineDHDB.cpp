@@ -22,7 +22,8 @@ bool tableReader_micromineDHDB::readDemo(int n) {
 
 bool tableReader_micromineDHDB::connect(odbcSource& source) {
   ok_ = source.connect(
-      "Driver={Microsoft Access Driver (*.mdb, *.accdb)};DBQ=" + toSystem(options_.path) + ";");
+      "Driver={Microsoft Access Driver (*.mdb, *.accdb)};DBQ=" + toSystem(options_.path) + ";",
+      options_.path);
   return ok_;
 }
 

@@ -5,9 +5,10 @@
 // whose values are all empty are left out. A field is numeric when its SQL type is one of numbers. Each call
 // connects anew and closes the connection; nothing is written.
 //
-// Reads answer false when the driver is missing or refuses the file, the database holds no table and none is
-// named, the statement fails (no such table), or the driver fails while rows are fetched; the rows before
-// that stay. `isOK` tells whether the last connection was made.
+// Reads answer false when the driver is missing or refuses the file, or its path cannot be told to it (a
+// semicolon, a character that the system's code page lacks, a pipe), the database holds no table and none is
+// named, the statement fails (no such table), or the driver fails while rows are fetched; the rows before that
+// stay. `isOK` tells whether the last connection was made.
 //
 // ODD: headers-only and the row limit stay in force for later reads, until readOnlyHeaders or readDemo sets
 // them anew. Hosts set a limit once and call read.

@@ -61,13 +61,13 @@ std::string tableReader_xlsODBC::makeDSNstring() const {
     connectionString =
         toSystem(L"DSN=" + fromSystem(name.c_str()) + L";DBQ=" + fileNameOf(options_.path) +
                  L";DefaultDir=" + folderOf(options_.path) + L";");
-    if (odbcSource().connect(connectionString)) break;
+    if (odbcSource().connect(connectionString, options_.path)) break;
   }
   return connectionString;
 }
 
 bool tableReader_xlsODBC::connect(odbcSource& source) {
-  ok_ = source.connect(makeDSNstring());
+  ok_ = source.connect(makeDSNstring(), options_.path);
   return ok_;
 }
 
@@ -106,9 +106,11 @@ bool tableReader_xlsODBC::readHeader(odbcSource& source, const std::string& kind
 
 bool tableReader_xlsODBC::skipToData(odbcSource& source, const std::string& kind) const {
   if (kind != excel) return true;
+  const std::int32_t header = options_.header_position;
+  const std::uint64_t data = options_.data_position;
+  if (header >= 0 && data <= static_cast<std::uint64_t>(header)) return true;
   // As the factory counts: without a header it has put the data at that position plus 1, which wraps.
-  const auto header = static_cast<std::uint64_t>(std::int64_t{options_.header_position});
-  return skipRows(source, options_.data_position - header - 1);
+  return skipRows(source, data - static_cast<std::uint64_t>(std::int64_t{header}) - 1);
 }
 
 void tableReader_xlsODBC::setTable(std::wstring name) { options_.table = std::move(name); }

@@ -10,7 +10,8 @@
 // F1 ..., and the driver's names, which are the sheet's first line, become the first row; above 0 that many
 // rows are passed over and there are no fields. Rows up to the data position are passed over too.
 //
-// Reads answer false when no data source accepts the file, there is no table and none is named, the statement
+// Reads answer false when no data source accepts the file, or its path cannot be told to one (a semicolon, a
+// character that the system's code page lacks, a pipe), there is no table and none is named, the statement
 // fails, the sheet ends among the rows that are passed over, or the driver fails while rows are fetched; the
 // rows before that stay. `isOK` tells whether the last connection was made.
 //

@@ -16,9 +16,10 @@ namespace tableRW {
 /// Index into the table of encodings, 0 to 18.
 using textEncoding = std::int32_t;
 
+/// One row of the table: an encoding that options can name.
 struct textEncodingRow {
-  const char* name;
-  const char* alias;
+  const char* name;   ///< the name that is shown
+  const char* alias;  ///< another name for it
   unsigned codePage;  ///< Windows code page number; 0 is the system's ANSI code page
 };
 
@@ -47,11 +48,12 @@ inline constexpr textEncodingRow textEncodings[] = {
     {"SYSTEM",   "ANSI",         0    },
 };
 
+/// Number of encodings.
 inline constexpr std::size_t textEncodingCount = sizeof(textEncodings) / sizeof(textEncodings[0]);
 
-inline constexpr textEncoding encodingUtf8 = 0;
-inline constexpr textEncoding encodingCp1251 = 8;
-inline constexpr textEncoding encodingSystem = 18;
+inline constexpr textEncoding encodingUtf8 = 0;     ///< the default
+inline constexpr textEncoding encodingCp1251 = 8;   ///< Windows' Cyrillic code page
+inline constexpr textEncoding encodingSystem = 18;  ///< the system's ANSI code page
 
 /// The Windows code page of an encoding. A value outside the table is a host's mistake and is treated
 /// as SYSTEM.

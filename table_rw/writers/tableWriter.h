@@ -44,8 +44,9 @@ struct tableWriterOptions {
 class VOK_API tableWriter {
  public:
   tableWriter() = default;
+  /// Copies nothing: the base holds nothing.
   tableWriter(const tableWriter&) = default;
-  /// Does nothing: the base holds nothing.
+  /// Does nothing, for the same reason.
   tableWriter& operator=(const tableWriter& other);
   virtual ~tableWriter();
 

@@ -4,13 +4,22 @@
 //     table    NAME  TYPE              a table; `fields` and `row` lines belong to the one before them
 //     fields   NAME:TYPE ...           columns with their SQL types as numbers
 //     row      VALUE ...               \N is NULL; *3*ab is ababab
+//     broken                           a row that cannot be fetched, ever
 //     fail     CALL  N                 the N-th such call on this file fails
 //     password                         nobody gets in
 //     program  NAME                    what SQL_DBMS_NAME answers
 //     no_total                         the length of a value that is cut is not told
+//     sizes    SIZE ...                the columns' sizes as they are described, right or wrong; else 0
+//     blocks   HOW                     rows are given in blocks: `well`, or as one of the ways below
+//     changes  WHAT                    from its second run on a statement finds other `values` or `columns`
+//
+// Ways of giving blocks: `halved` takes half of the rows that are asked for, `doubled` takes twice as many, `untold` takes them
+// and does not tell the number when asked, `no_state` refuses the place for states. `uncounted` leaves the count
+// of rows unwritten, `unstated` the states, `unmeasured` the lengths; `short_lengths` writes 32 bits of them.
+// `warns` says that something is odd with each block, `all_or_nothing` gives no row of a block with a broken one.
 //
 // Every call is a line in the file FILE.log: connect, disconnect, statement, "free statement", execute,
-// columns, describe, fetch, get, tables. Tests count them there, and so does `fail`, over all connections.
+// columns, describe, fetch, get, tables, bind, block. Tests count them there, and so does `fail`, over all connections.
 // Values must be asked for in the order of their columns, as strict drivers want it. A value of type -4
 // (pictures) is given as bytes alone. A data source whose name holds "Refusing" refuses every file.
 //
@@ -20,6 +29,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -37,6 +47,7 @@ using valueRow = std::vector<std::optional<std::string>>;
 struct column {
   std::string name;
   SQLSMALLINT type;
+  SQLULEN size;
 };
 
 struct table {
@@ -52,6 +63,15 @@ struct script {
   std::string program = "TEST";
   bool locked = false;
   bool noTotal = false;
+  std::string blocks;
+  std::string changes;
+};
+
+// A column that is bound.
+struct place {
+  char* text = nullptr;
+  SQLLEN room = 0;
+  SQLLEN* lengths = nullptr;
 };
 
 struct diagnosed {
@@ -90,6 +110,10 @@ struct statement : diagnosed {
   std::size_t nextRow = 0;
   std::size_t lastColumn = 0;
   std::size_t offset = 0;
+  SQLULEN rowsOfBlock = 1;
+  SQLULEN* fetched = nullptr;
+  SQLUSMALLINT* states = nullptr;
+  std::map<SQLUSMALLINT, place> places;
 
   void show(const table& rows) {
     result = rows;
@@ -122,11 +146,18 @@ void take(script& content, const textRow& words) {
   if (what == "program") content.program = rest.at(0);
   content.locked = content.locked || what == "password";
   content.noTotal = content.noTotal || what == "no_total";
+  if (what == "changes") content.changes = rest.at(0);
+  if (what == "broken") content.tables.back().rows.emplace_back();
+  if (what == "blocks") content.blocks = rest.at(0);
+  if (what == "sizes")
+    for (std::size_t i = 0; i < rest.size(); ++i)
+      content.tables.back().columns.at(i).size = std::stoul(rest[i]);
   if (what == "fields")
     for (const std::string& field : rest) {
       const std::size_t colon = field.rfind(':');
       content.tables.back().columns.push_back(
-          {field.substr(0, colon), static_cast<SQLSMALLINT>(std::stoi(field.substr(colon + 1)))});
+          {field.substr(0, colon), static_cast<SQLSMALLINT>(std::stoi(field.substr(colon + 1))),
+           0});
     }
   if (what != "row") return;
   valueRow row;
@@ -169,6 +200,38 @@ std::string textOf(const SQLCHAR* text, SQLINTEGER length) {
   const auto* const bytes = static_cast<const char*>(static_cast<const void*>(text));
   return length == SQL_NTS ? std::string(bytes)
                            : std::string(bytes, static_cast<std::size_t>(length));
+}
+
+// One value into its place. @return false when it had to be cut
+bool putBound(const place& to, std::size_t row, const std::optional<std::string>& value,
+              const std::string& way) {
+  char* const text = to.text + row * static_cast<std::size_t>(to.room);
+  const std::size_t length = value ? value->size() : 0;
+  const std::size_t size = std::min(length, static_cast<std::size_t>(to.room) - 1);
+  if (value) std::memcpy(text, value->data(), size);
+  text[size] = '\0';
+  const SQLLEN told = value ? static_cast<SQLLEN>(length) : SQLLEN{SQL_NULL_DATA};
+  if (way == "short_lengths") std::memcpy(&to.lengths[row], &told, 4);
+  if (way != "short_lengths" && way != "unmeasured") to.lengths[row] = told;
+  return size == length;
+}
+
+SQLRETURN fetchBlock(statement& one) {
+  const std::string& way = one.base->content.blocks;
+  if (!one.base->enter("block")) return one.fail("no block this time");
+  bool isWhole = true;
+  SQLULEN row = 0;
+  for (; row < one.rowsOfBlock && one.nextRow < one.result.rows.size(); ++row) {
+    const valueRow& values = one.result.rows[one.nextRow++];
+    if (values.empty() && (row == 0 || way == "all_or_nothing")) return one.fail("a broken row");
+    if (way != "unstated") one.states[row] = values.empty() ? SQL_ROW_ERROR : SQL_ROW_SUCCESS;
+    isWhole = isWhole && !values.empty();
+    for (const auto& [number, to] : one.places)
+      if (!values.empty()) isWhole = putBound(to, row, values.at(number - 1U), way) && isWhole;
+  }
+  if (way != "uncounted") *one.fetched = row;
+  if (row == 0) return SQL_NO_DATA;
+  return isWhole && way != "warns" ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
 }
 
 connection* asConnection(SQLHANDLE handle) { return static_cast<connection*>(handle); }
@@ -240,8 +303,15 @@ SQLRETURN SQL_API SQLExecDirect(SQLHSTMT handle, SQLCHAR* text, SQLINTEGER lengt
   statement& one = *asStatement(handle);
   if (!one.base->enter("execute")) return one.fail("not executed this time");
   const std::string sql = textOf(text, length);
-  for (const table& each : one.base->content.tables)
-    if (sql == "select * from [" + each.name + "]") return one.show(each), SQL_SUCCESS;
+  for (const table& each : one.base->content.tables) {
+    if (sql != "select * from [" + each.name + "]") continue;
+    one.show(each);
+    const std::string& changes = one.base->content.changes;
+    if (one.base->count("execute") == 1) return SQL_SUCCESS;
+    if (changes == "values") one.result.rows.at(0).at(0) = "changed";
+    if (changes == "columns") one.result.columns.at(0).name = "changed";
+    return SQL_SUCCESS;
+  }
   return one.fail("there is no table for: " + sql);
 }
 
@@ -251,7 +321,7 @@ SQLRETURN SQL_API SQLTables(SQLHSTMT handle, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQ
   if (!one.base->enter("tables")) return one.fail("no tables this time");
   table list;
   for (const char* const name : {"CAT", "SCHEM", "NAME", "TYPE", "REMARKS"})
-    list.columns.push_back({name, SQL_VARCHAR});
+    list.columns.push_back({name, SQL_VARCHAR, 0});
   // Which types are asked for is not heeded, as with other drivers.
   for (const table& each : one.base->content.tables)
     list.rows.push_back({std::nullopt, std::nullopt, each.name, each.type, std::nullopt});
@@ -274,7 +344,7 @@ SQLRETURN SQL_API SQLDescribeCol(SQLHSTMT handle, SQLUSMALLINT number, SQLCHAR* 
   const column& described = one.result.columns.at(number - 1U);
   put(described.name, name, room, length);
   *type = described.type;
-  *size = 0;
+  *size = described.size;
   *decimals = 0;
   *nullable = SQL_NULLABLE;
   return described.name.size() < static_cast<std::size_t>(room) ? SQL_SUCCESS
@@ -283,10 +353,45 @@ SQLRETURN SQL_API SQLDescribeCol(SQLHSTMT handle, SQLUSMALLINT number, SQLCHAR* 
 
 SQLRETURN SQL_API SQLFetch(SQLHSTMT handle) {
   statement& one = *asStatement(handle);
+  if (one.fetched != nullptr) return fetchBlock(one);
   if (!one.base->enter("fetch")) return one.fail("no row this time");
   if (one.nextRow >= one.result.rows.size()) return SQL_NO_DATA;
+  if (one.result.rows[one.nextRow].empty()) return one.fail("a broken row");
   ++one.nextRow;
   one.lastColumn = one.offset = 0;
+  return SQL_SUCCESS;
+}
+
+SQLRETURN SQL_API SQLSetStmtAttr(SQLHSTMT handle, SQLINTEGER what, SQLPOINTER value, SQLINTEGER) {
+  statement& one = *asStatement(handle);
+  const std::string& way = one.base->content.blocks;
+  if (way.empty()) return one.fail("rows come one at a time");
+  if (what == SQL_ATTR_ROW_ARRAY_SIZE) {
+    one.rowsOfBlock = static_cast<SQLULEN>(reinterpret_cast<std::uintptr_t>(value));
+    if (way == "halved") one.rowsOfBlock /= 2;
+    if (way == "doubled") one.rowsOfBlock *= 2;
+    return SQL_SUCCESS;
+  }
+  if (what == SQL_ATTR_ROWS_FETCHED_PTR)
+    return one.fetched = static_cast<SQLULEN*>(value), SQL_SUCCESS;
+  if (what != SQL_ATTR_ROW_STATUS_PTR || way == "no_state") return one.fail("no such attribute");
+  return one.states = static_cast<SQLUSMALLINT*>(value), SQL_SUCCESS;
+}
+
+SQLRETURN SQL_API SQLGetStmtAttr(SQLHSTMT handle, SQLINTEGER what, SQLPOINTER value, SQLINTEGER,
+                                 SQLINTEGER*) {
+  statement& one = *asStatement(handle);
+  const std::string& way = one.base->content.blocks;
+  if (way.empty() || way == "untold" || what != SQL_ATTR_ROW_ARRAY_SIZE)
+    return one.fail("no such attribute");
+  return *static_cast<SQLULEN*>(value) = one.rowsOfBlock, SQL_SUCCESS;
+}
+
+SQLRETURN SQL_API SQLBindCol(SQLHSTMT handle, SQLUSMALLINT number, SQLSMALLINT, SQLPOINTER text,
+                             SQLLEN room, SQLLEN* lengths) {
+  statement& one = *asStatement(handle);
+  if (!one.base->enter("bind")) return one.fail("not bound this time");
+  one.places[number] = {static_cast<char*>(text), room, lengths};
   return SQL_SUCCESS;
 }
 

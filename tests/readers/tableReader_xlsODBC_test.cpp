@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/codePages.h"
 #include "table_rw/capi/vo_table_reader.h"
+#include "tests/support/namedPipe.h"
 #include "tests/support/odbcScript.h"
 #include "tests/support/ownedReader.h"
 #include "tests/support/tableText.h"
@@ -86,6 +88,73 @@ TEST_F(xlsOdbcReader, positionsOfASheet) {
     const testing::ScopedTrace trace(__FILE__, row.line, row.name);
     EXPECT_EQ(read(book(wells), static_cast<std::int32_t>(row.header), row.data), row.expected);
   }
+}
+
+// Only a reader that the factory has not made meets such positions.
+TEST_F(xlsOdbcReader, aDataPositionAboveTheHeaderPassesOverNothing) {
+  const odbcScript file = book(wells);
+  const struct {
+    std::int32_t header;
+    std::uint64_t data;
+    const char* expected;
+  } rows[] = {
+      {2,  0, "rows W-3|3.5 / W-4|  ok"                                          },
+      {2,  2, "rows W-3|3.5 / W-4|  ok"                                          },
+      {0,  0, "fields WELL|X:number  rows W-1|1.5 / W-2|2.5 / W-3|3.5 / W-4|  ok"},
+      {-1, 1, "fields F0|F1:number  rows WELL|X / W-2|2.5 / W-3|3.5 / W-4|  ok"  },
+  };
+  for (const auto& row : rows) {
+    tableReaderOptions options(file.path());
+    options.header_position = row.header;
+    options.data_position = row.data;
+    tableReader_xlsODBC reader(options);
+    EXPECT_TRUE(reader.read()) << row.header << row.data;
+    EXPECT_EQ(describe(reader), row.expected) << row.header << row.data;
+  }
+}
+
+TEST_F(xlsOdbcReader, pathsThatAConnectionStringCannotName) {
+  const std::string lines = "table\tt\tTABLE\nfields\ta:4\nrow\t1\n";
+  const odbcScript cut(folder_.file(L"a"), lines);
+  const odbcScript whole(folder_.file(L"a.mdb"), lines);
+  for (const std::wstring& name :
+       {std::wstring(L"a;b.mdb"), std::wstring(L"b.mdb;DBQ=a"), std::wstring(L"a.mdb\0.mdb", 10)}) {
+    tableReader_xlsODBC reader{tableReaderOptions(folder_.file(name))};
+    EXPECT_FALSE(reader.read());
+    EXPECT_FALSE(reader.isOK());
+    std::vector<std::wstring> list;
+    reader.tableList(list);
+    EXPECT_TRUE(list.empty());
+  }
+  EXPECT_EQ(cut.calls("connect") + whole.calls("connect"), 0) << "another file than the one named";
+  tableReader_xlsODBC reader{tableReaderOptions(whole.path())};
+  EXPECT_TRUE(reader.read());
+}
+
+// A driver would wait for a writer for ever.
+TEST_F(xlsOdbcReader, aPipeIsNotWaitedFor) {
+  const std::wstring path = folder_.file(L"p.mdb");
+  if (!testSupport::makeNamedPipe(path)) GTEST_SKIP() << "no file is a pipe here";
+  tableReader_xlsODBC reader{tableReaderOptions(path)};
+  EXPECT_FALSE(reader.read());
+  std::vector<std::wstring> list;
+  reader.tableList(list);
+  EXPECT_FALSE(reader.isOK());
+}
+
+TEST_F(xlsOdbcReader, pathsThatTheCodePageCannotName) {
+  struct pageSetter {
+    explicit pageSetter(unsigned page) { platform::chooseSystemCodePage(page); }
+    pageSetter(const pageSetter&) = delete;
+    pageSetter& operator=(const pageSetter&) = delete;
+    ~pageSetter() { platform::chooseSystemCodePage(before); }
+    unsigned before = platform::chosenSystemCodePage();
+  };
+  const odbcScript other(folder_.file(L"_.mdb"), "table\tt\tTABLE\nfields\ta:4\nrow\t1\n");
+  const pageSetter page(1252);
+  tableReader_xlsODBC reader{tableReaderOptions(folder_.file(L"\x0416.mdb"))};
+  EXPECT_FALSE(reader.read());
+  EXPECT_TRUE(tableReader_xlsODBC{tableReaderOptions(other.path())}.read());
 }
 
 TEST_F(xlsOdbcReader, aDatabaseHeedsNoPositions) {

@@ -24,6 +24,9 @@ TEST(odbcConnectionString, parts) {
   EXPECT_EQ(parts, (std::vector<std::string>{"DSN=a b", "DBQ={x;y}.mdb", "Flag", "Last=1"}));
   EXPECT_TRUE(partsOf("").empty());
   EXPECT_EQ(partsOf("a={b").size(), 1U);
+  EXPECT_EQ(partsOf("DBQ={b.mdb;DefaultDir=/a/;"),
+            (std::vector<std::string>{"DBQ={b.mdb", "DefaultDir=/a/"}))
+      << "a brace that is never closed is a letter";
   EXPECT_EQ(partsOf("a=;b={}").size(), 2U);
   EXPECT_EQ(partsOf("=").size(), 1U);
 }
@@ -50,6 +53,12 @@ TEST(odbcConnectionString, fitsTheDriver) {
       {"names in any case",                              "dsn=BASE;dbq=b.mdb;defaultdir=/a/;",   "Driver={Access};DBQ=/a/b.mdb;" },
       {"a driver by its library",                        "DSN=By path;DBQ=b.mdb;",
        "Driver={/usr/lib/odbc/libmdbodbc.so};DBQ=b.mdb;"                                                                         },
+      {"a name that begins with a blank",                "DSN=Base;DBQ= b.mdb;DefaultDir=;",
+       "Driver={Access};DBQ=./ b.mdb;"                                                                                           },
+      {"the same by driver",                             "Driver={Access};DBQ= b.mdb;",          "Driver={Access};DBQ=./ b.mdb;" },
+      {"a blank behind a folder",                        "DSN=Base;DBQ= b.mdb;DefaultDir=/a/;",
+       "Driver={Access};DBQ=/a/ b.mdb;"                                                                                          },
+      {"other drivers take blanks as they are",          "DSN=Other;DBQ= b.mdb;",                "DSN=Other;DBQ= b.mdb;"         },
       {"a data source alone",                            "DSN=Base;",                            "DSN=Base;"                     },
       {"by driver all is well",                          "Driver={Access};DBQ=/a/b.mdb;",        "Driver={Access};DBQ=/a/b.mdb;" },
       {"SQLite creates nothing",                         "DSN=Excel;DBQ=b.xls;",                 "DSN=Excel;DBQ=b.xls;NoCreat=1;"},
