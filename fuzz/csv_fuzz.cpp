@@ -33,10 +33,13 @@ void checkRows(const tableRW::tableReader& reader) {
 
 void checkRejected(tableRW::tableReader& reader) {
   std::size_t seen = 0;
+  std::uint64_t end = 0;
   demand(reader.rejectedRecords([&](const tableRW::rejectedRecord& record) {
     demand(record.line == reader.getError(seen));
     demand(seen == 0 || record.line > reader.getError(seen - 1));
     demand(record.valueCount != reader.fieldCount());
+    demand(record.offset >= end && record.size > 0);
+    end = record.offset + record.size;
     ++seen;
     return true;
   }));

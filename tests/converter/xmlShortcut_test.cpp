@@ -138,7 +138,7 @@ outcome readStrings(const std::string& document, const std::vector<std::size_t>&
                     bool isShort) {
   converter::textPool pool;
   const converter::lineText replacements('$');
-  converter::xlsxStringEvents events(pool, replacements);
+  converter::xlsxStringEvents events(pool, replacements, 0);
   pieces source(document, sizes);
   outcome result;
   parse(result, events, source, isShort);
