@@ -162,6 +162,8 @@ class DebianPackages(InstallTest):
                      "share/vok_table_rw_vc/bindings/csharp/VokTableRw.cs",
                      "share/vok_table_rw_vc/bindings/python/vok_table_rw/__init__.py"):
             self.assertIn(name, installed)
+        with open(os.path.join(usr, "share", "man", "man1", "vok_table.1"), encoding="utf-8") as file:
+            self.assertIn(".TH", file.read())
         library = os.path.dirname(glob.glob(os.path.join(usr, "lib", "**", "*.so.1"), recursive=True)[0])
         self.check_cmake(usr, library)
         self.check_pkg_config(glob.glob(os.path.join(usr, "lib", "**", "pkgconfig"), recursive=True)[0], library)
