@@ -67,10 +67,16 @@ class Examples(CaseTest):
         for name, options, hint in (
                 ("wells_cp1251.csv", [], "try another --encoding"),
                 ("drillholes_cp866.csv", [], "try another --encoding"),
+                ("wells.csv", ["--encoding", "CP1251"], "try --encoding UTF-8"),
                 ("assays_tab.txt", [], "try --delimiter tab"),
                 ("assays_tab.txt", ["--delimiter", "tab"], "line 5 has 7 values and the header in line 1"),
                 ("survey_quoted.csv", [], "try --delimiter ,")):
             self.assertIn(hint, run_tool("count", example(name), *options).err)
+
+    def test_right_encodings_are_not_questioned(self):
+        for name, encoding in (("wells_cp1251.csv", "CP1251"), ("drillholes_cp866.csv", "CP866"), ("wells.csv", "UTF-8")):
+            self.assertNotIn("--encoding", run_tool("count", example(name), "--encoding", encoding).err.replace(
+                f"--encoding {encoding}\n", ""))
 
     def test_commands_of_the_readme(self):
         with open(example("README.md"), encoding="utf-8") as file:
