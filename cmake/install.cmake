@@ -1,7 +1,7 @@
 # Installation, by component:
 #
 #   library      libvok_table_rw_vc.so.1 or vok_table_rw_vc.dll
-#   development  public headers, the linker's name of the library or the import library, and what
+#   development  public headers, the bindings, the linker's name of the library or the import library, and what
 #                find_package(vok_table_rw) and pkg-config read; all of it works wherever the folder is moved
 #   tool         vok_table
 #   converter    vok_xls2csv.exe, which belongs beside the programs that use the library
@@ -29,6 +29,11 @@ foreach(header IN LISTS vok_public_headers)
   cmake_path(GET header PARENT_PATH folder)
   install(FILES ${header} DESTINATION ${vok_include_folder}/${folder} COMPONENT development)
 endforeach()
+# The Python package and the C# source, to be taken from there into a program of one's own.
+install(DIRECTORY bindings DESTINATION ${CMAKE_INSTALL_DATADIR}/vok_table_rw_vc COMPONENT development
+  PATTERN __pycache__ EXCLUDE
+  PATTERN build EXCLUDE
+  PATTERN "*.egg-info" EXCLUDE)
 if(WIN32)
   # For compilers that make their import libraries of it.
   install(FILES ${vok_definition_file} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)

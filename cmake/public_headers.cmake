@@ -9,6 +9,9 @@ set(vok_public_headers
   platform/vok_basic.h
   platform/vok_export.h
   table_rw/capi/vo_table_reader.h
+  table_rw/capi/vo_table_reader_utf.h
+  table_rw/capi/vo_table_writer.h
+  table_rw/capi/vo_text_list.h
   table_rw/core/tableReader.h
   table_rw/core/tableReaderOptions.h
   table_rw/text/textEncoding.h
@@ -21,7 +24,10 @@ list(APPEND vok_public_headers
   platform/memoryRegion.h table_rw/core/valueTable.h table_rw/text/growingArray.h)
 
 # Those of them that plain C can include.
-set(vok_public_c_headers platform/vok_basic.h platform/vok_export.h table_rw/capi/vo_table_reader.h)
+set(vok_public_c_headers
+  platform/vok_basic.h platform/vok_export.h
+  table_rw/capi/vo_table_reader.h table_rw/capi/vo_table_reader_utf.h
+  table_rw/capi/vo_table_writer.h table_rw/capi/vo_text_list.h)
 
 set(vok_public_include ${PROJECT_BINARY_DIR}/public_include)
 file(REMOVE_RECURSE ${vok_public_include})

@@ -11,6 +11,10 @@
 namespace converter {
 namespace {
 
+// A text file may be so many times as long as its workbook, or what is never too much if that is more: cells
+// that share one long text, merged or by number, could fill any disk.
+constexpr std::uint64_t largestGrowth = 1000;
+
 bool endsInSeparator(const std::wstring& folder) {
   return folder.back() == L'/' || folder.back() == L'\\';
 }
@@ -100,12 +104,13 @@ bool writeList(const workbook& book, const conversionRequest& request, const std
 }
 
 bool writeSheet(workbook& book, const conversionRequest& request, const std::wstring& target,
-                std::string& problem) {
+                std::uint64_t workbookSize, std::string& problem) {
   const sheetEntry* const sheet = chooseSheet(book, request, problem);
   if (sheet == nullptr) return false;
   sheetTextOptions options;
   options.delimiter = request.delimiter;
   options.copyMerged = request.copyMerged;
+  options.mostBytes = std::max(sheetTextOptions().mostBytes, workbookSize * largestGrowth);
   if (request.headerPosition)
     options.onlyRow = static_cast<std::uint32_t>(std::max(*request.headerPosition, 0));
   sheetText text(target, options);
@@ -123,10 +128,21 @@ bool convertInto(const conversionRequest& request, const std::wstring& target,
     problem = "it cannot be opened";
     return false;
   }
+  const std::uint64_t size = file.size();
   const auto book = openWorkbook(file, request.delimiter, problem);
   if (book == nullptr) return false;
   return request.listsTables ? writeList(*book, request, target, problem)
-                             : writeSheet(*book, request, target, problem);
+                             : writeSheet(*book, request, target, size, problem);
+}
+
+// What a damaged workbook says of itself may be megabytes long. Characters stay whole.
+void shorten(std::string& problem) {
+  constexpr std::size_t longest = 400;
+  if (problem.size() <= longest) return;
+  std::size_t size = longest;
+  while ((static_cast<unsigned char>(problem[size]) & 0xC0) == 0x80) --size;
+  problem.resize(size);
+  problem += "...";
 }
 
 }  // namespace
@@ -146,8 +162,10 @@ bool convert(const conversionRequest& request, std::string& problem) {
     return false;
   }
   problem.clear();
-  if (convertInto(request, target, problem)) return true;
+  // WHY before: whatever ends this run, what stands there behind it must be its own.
   platform::removeFile(target);
+  if (convertInto(request, target, problem)) return true;
+  shorten(problem);
   return false;
 }
 

@@ -5,6 +5,23 @@
 #include "table_rw/readers/tableReader_csv.h"
 #include "tests/support/csvComparison.h"
 
+namespace {
+
+using fuzzing::demand;
+
+// Where the rejected lines stand in the file: in order, and each as its bytes.
+void checkPlaces(tableRW::tableReader& reader, std::string_view bytes) {
+  std::uint64_t end = 0;
+  reader.rejectedRecords([&](const tableRW::rejectedRecord& record) {
+    demand(record.offset >= end && record.size > 0, "rejected lines overlap");
+    end = record.offset + record.size;
+    demand(end <= bytes.size(), "a rejected line ends behind the file");
+    return true;
+  });
+}
+
+}  // namespace
+
 std::string fuzzing::csv(std::string_view bytes) {
   static const std::wstring delimiters[] = {L";", L"\t", L",", L";;", L"", L"\x0436", L" ", L"a"};
   static const std::wstring quotes[] = {L"\"", L"'", L"", L"\"\"", L"\x00AB", L";"};
@@ -20,5 +37,7 @@ std::string fuzzing::csv(std::string_view bytes) {
   const std::string difference = testSupport::differenceFromTwin(path, input.rest(), options);
   demand(difference.empty(), difference);
   tableRW::tableReader_csv reader(options.forFile(path));
-  return checkedTable(reader, input.rest().size() + 1);
+  const std::string outcome = checkedTable(reader, input.rest().size() + 1);
+  checkPlaces(reader, input.rest());
+  return outcome;
 }

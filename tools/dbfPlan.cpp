@@ -198,24 +198,24 @@ bool parseType(std::string_view text, tableRW::writerField& field) {
 
 }  // namespace
 
-std::optional<std::string> dbfPlan::chooseFields(const tableRW::tableReader& reader,
+std::optional<std::string> dbfPlan::chooseFields(const selectedTable& table,
                                                  const std::optional<std::string>& named,
                                                  std::vector<tableRW::writerField>& fields) {
-  std::vector<fieldNeeds> needs(reader.fieldCount());
+  std::vector<fieldNeeds> needs(table.fieldCount());
   std::vector<std::wstring> row;
-  for (std::size_t number = 0; number < reader.count(); ++number) {
-    reader.getRow(number, row);
+  for (std::size_t number = 0; number < table.count(); ++number) {
+    table.getRow(number, row);
     for (std::size_t field = 0; field < std::min(row.size(), needs.size()); ++field)
       needs[field].add(row[field], page_);
   }
   std::size_t recordLength = 1;
   for (std::size_t field = 0; field < needs.size(); ++field) {
-    fields_.push_back({reader.fieldName(field), reader.fieldType(field)});
+    fields_.push_back({table.fieldName(field), table.fieldType(field)});
     latinNames_.push_back(latinOf(fields_.back().name));
     needs[field].choose(fields_.back());
   }
   if (named)
-    if (auto wrong = useNamed(reader, *named)) return wrong;
+    if (auto wrong = useNamed(table, *named)) return wrong;
   for (const tableRW::writerField& field : fields_)
     recordLength += static_cast<std::size_t>(field.width);
   if (fields_.size() > mostFields)
@@ -228,8 +228,7 @@ std::optional<std::string> dbfPlan::chooseFields(const tableRW::tableReader& rea
   return std::nullopt;
 }
 
-std::optional<std::string> dbfPlan::useNamed(const tableRW::tableReader& reader,
-                                             std::string_view named) {
+std::optional<std::string> dbfPlan::useNamed(const selectedTable& table, std::string_view named) {
   while (!named.empty()) {
     const std::size_t comma = named.find(',');
     std::string_view entry = named.substr(0, comma);
@@ -240,10 +239,9 @@ std::optional<std::string> dbfPlan::useNamed(const tableRW::tableReader& reader,
     if (sign == std::string_view::npos)
       return fmt::format("--fields {} has no type: write it as FIELD=TYPE", inQuotes(entry));
     const std::string_view name = entry.substr(0, sign);
-    const std::int32_t field = reader.fieldNum(toWide(name));
-    if (field < 0)
-      return fmt::format("--fields names {}, and there is no such field", inQuotes(name));
-    if (!parseType(entry.substr(sign + 1), fields_[static_cast<std::size_t>(field)]))
+    const auto field = table.fieldNum(toWide(name));
+    if (!field) return fmt::format("--fields names {}, and there is no such field", inQuotes(name));
+    if (!parseType(entry.substr(sign + 1), fields_[*field]))
       return fmt::format(
           "--fields {}: the types are C1 to C254, N1 to N20, N3.1 and the like, and D",
           inQuotes(entry));

@@ -15,7 +15,6 @@
 #include <string_view>
 #include <vector>
 
-#include "table_rw/core/tableReader.h"
 #include "table_rw/writers/tableWriter.h"
 #include "tools/codePageLimits.h"
 #include "tools/targetLimits.h"
@@ -27,7 +26,7 @@ class dbfPlan : public targetLimits {
   /// @param codePage  of the file: the system's, resolved
   explicit dbfPlan(unsigned codePage) : page_(codePage) {}
 
-  std::optional<std::string> chooseFields(const tableRW::tableReader& reader,
+  std::optional<std::string> chooseFields(const selectedTable& table,
                                           const std::optional<std::string>& named,
                                           std::vector<tableRW::writerField>& fields) override;
 
@@ -41,7 +40,7 @@ class dbfPlan : public targetLimits {
   const char* alternative() const override;
 
  private:
-  std::optional<std::string> useNamed(const tableRW::tableReader& reader, std::string_view named);
+  std::optional<std::string> useNamed(const selectedTable& table, std::string_view named);
   std::optional<std::string> textProblem(std::wstring_view value, std::size_t width) const;
 
   codePageLimits page_;

@@ -12,7 +12,6 @@
 #include "tools/commands.h"
 #include "tools/formats.h"
 #include "tools/odbcSources.h"
-#include "tools/tableDrawing.h"
 #include "tools/text.h"
 
 namespace vokTable {
@@ -23,14 +22,14 @@ class report {
   void add(std::string_view what, const std::string& found) {
     rows_.push_back({toWide(what), toWide(found)});
   }
-  void draw(dataOutput& output) const {
-    drawnTable table;
-    table.header = {L"what", L"found"};
-    table.visitRows = [this](const rowReceiver& receive) {
-      for (const tableRow& row : rows_)
-        if (!receive(row)) return;
-    };
-    drawTable(table, output);
+  void write(answerWriter& answer) const {
+    answer.records({
+        "findings", {{"what", "what"},                       {"found", "found"}},
+         [this](const rowReceiver& receive) {
+          for (const tableRow& row : rows_)
+            if (!receive(row)) return;
+                     }
+    });
   }
 
  private:
@@ -111,7 +110,7 @@ exitCode examineMachine(const commandLine& request, toolContext& context) {
   const exitCode outcome = request.reading.file.empty()
                                ? exitCode::clean
                                : examine(request.reading, lines, context, machine);
-  lines.draw(context.output);
+  lines.write(context.answer);
   return outcome;
 }
 

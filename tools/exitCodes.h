@@ -20,6 +20,11 @@ constexpr exitCode worse(exitCode first, exitCode second) {
   return static_cast<int>(first) > static_cast<int>(second) ? first : second;
 }
 
+/// Whether a target was written, whatever it could not hold.
+constexpr bool isWritten(exitCode outcome) {
+  return worse(outcome, exitCode::rejected) == exitCode::rejected;
+}
+
 }  // namespace vokTable
 
 #endif

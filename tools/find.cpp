@@ -1,27 +1,19 @@
-// The command find: the values of one field in the rows that have wanted values in other fields.
+// The command find: one field, or some, of the rows that have wanted values in other fields.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "tools/commands.h"
+#include "tools/selection.h"
 #include "tools/text.h"
 
 namespace vokTable {
 namespace {
 
 using condition = tableRW::tableReader::indexCondition;
-
-/// Index of the field that the user means. A byte-order mark before the first field's name, which
-/// nobody can type, may be left out.
-std::optional<std::size_t> findField(const tableRW::tableReader& reader, const std::wstring& name) {
-  const std::int32_t field = reader.fieldNum(name);
-  if (field >= 0) return static_cast<std::size_t>(field);
-  const std::wstring markedName = static_cast<wchar_t>(byteOrderMark) + name;
-  if (reader.fieldCount() > 0 && reader.fieldName(0) == markedName) return 0;
-  return std::nullopt;
-}
 
 /// A condition as the user wrote it, FIELD=VALUE. A name may hold the sign too: the first one that
 /// has a field's name before it counts.
@@ -35,44 +27,70 @@ std::optional<condition> parseCondition(const tableRW::tableReader& reader,
   return std::nullopt;
 }
 
-std::string fieldsOf(const tableRW::tableReader& reader) {
-  std::string list;
-  for (std::size_t field = 0; field < reader.fieldCount(); ++field) {
-    if (field > 0) list += ", ";
-    list += inQuotes(toUtf8(reader.fieldName(field)));
+/// Hands over the rows that have every wanted value.
+void visitFound(const tableRW::tableReader& reader, const selectedTable& table,
+                const std::vector<condition>& conditions, const rowReceiver& receive) {
+  tableRow row;
+  for (std::size_t number = 0; number < reader.count(); ++number) {
+    const bool isFound =
+        std::all_of(conditions.begin(), conditions.end(), [&](const condition& wanted) {
+          return reader.value(wanted.first, number) == wanted.second;
+        });
+    if (!isFound) continue;
+    table.getRow(number, row);
+    if (!receive(row)) return;
   }
-  return list;
+}
+
+/// @param isList  one field, a value a line, instead of a table
+void showFound(const tableRW::tableReader& reader, const selectedTable& table,
+               const std::vector<condition>& conditions, bool isList, toolContext& context) {
+  dataTable found = table.shown(0);
+  found.visitRows = [&](const rowReceiver& receive) {
+    visitFound(reader, table, conditions, receive);
+  };
+  if (!isList || context.answer.isJson()) {
+    context.answer.table(found);
+    return;
+  }
+  found.visitRows([&context](const tableRow& row) {
+    context.output.value(row.front());
+    return context.output.isOpen();
+  });
 }
 
 }  // namespace
 
 exitCode findValues(const commandLine& request, toolContext& context) {
+  if (request.shownField.has_value() != request.selected.empty()) {
+    context.messages.error(
+        "name the fields to print, either one with --show FIELD or some with --select "
+        "FIELD[,FIELD...]");
+    return exitCode::usage;
+  }
   readerPointer reader;
   const exitCode opened = openSource(request.reading, context, reader);
   if (!reader) return opened;
   if (!readSource(*reader, {}, request.reading, context)) return exitCode::cannotOpen;
 
-  const auto refuse = [&](std::string_view option, const std::string& text,
-                          std::string_view expectation) {
-    context.messages.error(fmt::format("{} {}: {} of {}; its fields are {}", option, inQuotes(text),
-                                       expectation, request.reading.file, fieldsOf(*reader)));
-    concludeReading(*reader, request.reading, context);  // the hints may tell why
-    return exitCode::usage;
-  };
   std::vector<condition> conditions;
   for (const std::string& text : request.conditions) {
     const auto parsed = parseCondition(*reader, toWide(text));
-    if (!parsed) return refuse("--where", text, "this is not FIELD=VALUE with a field");
+    if (!parsed)
+      return explainUnknownField("--where", text, "this is not FIELD=VALUE with a field", request,
+                                 *reader, context);
     conditions.push_back(*parsed);
   }
-  const auto shown = findField(*reader, toWide(request.shownField));
-  if (!shown) return refuse("--show", request.shownField, "this is no field");
-
-  std::vector<std::wstring> values;
-  reader->searchValue(reader->fieldName(*shown), conditions, values);
-  for (const std::wstring& value : values) {
-    if (!context.output.isOpen()) break;
-    context.output.value(value);
+  if (request.shownField) {
+    const auto shown = findField(*reader, toWide(*request.shownField));
+    if (!shown)
+      return explainUnknownField("--show", *request.shownField, "this is no field", request,
+                                 *reader, context);
+    showFound(*reader, selectedTable(*reader, {*shown}), conditions, true, context);
+  } else {
+    const auto table = selectTable(request, *reader, context);
+    if (!table) return exitCode::usage;
+    showFound(*reader, *table, conditions, false, context);
   }
   return concludeReading(*reader, request.reading, context);
 }

@@ -7,7 +7,6 @@
 #include "platform/caseFolding.h"
 #include "platform/vok_basic.h"
 #include "table_rw/core/tableReader.h"
-#include "tools/tableDrawing.h"
 #include "tools/text.h"
 
 namespace vokTable {
@@ -91,9 +90,22 @@ std::optional<std::int32_t> findFileType(std::string_view text) {
   return std::nullopt;
 }
 
+std::vector<std::string> fileTypeList() {
+  std::vector<std::string> names(1, std::string(automatic));
+  for (const format& each : formats) names.emplace_back(each.typeName);
+  return names;
+}
+
 std::string fileTypeNames() {
-  std::string names(automatic);
-  for (const format& each : formats) names += std::string(", ") + each.typeName;
+  std::string names;
+  for (const std::string& name : fileTypeList()) names += (names.empty() ? "" : ", ") + name;
+  return names;
+}
+
+std::vector<std::string> targetFormatNames() {
+  std::vector<std::string> names;
+  for (const format& each : formats)
+    if (*each.written != '\0') names.emplace_back(each.written);
   return names;
 }
 
@@ -139,19 +151,13 @@ bool isWrittenAsWorkbook(const std::wstring& path) {
 
 bool isWrittenAsDbf(const std::wstring& path) { return writtenExtension(path) == L"dbf"; }
 
-void showFormats(dataOutput& output) {
-  drawnTable table;
-  table.header = {L"format", L"type", L"extensions", L"read", L"write"};
-  table.visitRows = [](const rowReceiver& receive) {
-    const auto answer = [](bool isThere) { return isThere ? L"yes" : L"not in this version"; };
-    for (const format& each : formats) {
-      const wchar_t* const write = *each.written == '\0' ? L"no" : L"yes";
-      if (!receive({toWide(each.title), toWide(each.typeName), toWide(each.chosenFor),
-                    answer(isRead(each)), write}))
-        return;
-    }
-  };
-  drawTable(table, output);
+void visitFormats(const rowReceiver& receive) {
+  for (const format& each : formats) {
+    const wchar_t* const write = *each.written == '\0' ? L"no" : L"yes";
+    if (!receive({toWide(each.title), toWide(each.typeName), toWide(each.chosenFor),
+                  isRead(each) ? L"yes" : L"not in this version", write}))
+      return;
+  }
 }
 
 }  // namespace vokTable

@@ -9,16 +9,23 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "tools/output.h"
+#include "tools/tableDrawing.h"
 
 namespace vokTable {
 
 /// The number of a file type, by its name or as a number; nothing when there is none.
 std::optional<std::int32_t> findFileType(std::string_view text);
 
-/// The names of the file types, for a message.
+/// The names of the file types, the automatic choice first.
+std::vector<std::string> fileTypeList();
+
+/// The same for a message.
 std::string fileTypeNames();
+
+/// The formats that --to takes: each is the extension of a file that is written so.
+std::vector<std::string> targetFormatNames();
 
 /// What a format is called, for a message: by the file type, or for the automatic choice by the
 /// path.
@@ -49,8 +56,8 @@ bool isWrittenAsDbf(const std::wstring& path);
 /// True when a table that is written to this path becomes a workbook.
 bool isWrittenAsWorkbook(const std::wstring& path);
 
-/// The command `formats`: a table of all formats and what this version does with each.
-void showFormats(dataOutput& output);
+/// All formats and what this version does with each: format, type, extensions, read, write.
+void visitFormats(const rowReceiver& receive);
 
 }  // namespace vokTable
 

@@ -2,70 +2,64 @@
 // them.
 //
 // main takes the command line apart, calls the command, and hands out what was written. Data go to
-// standard output, messages to standard error; exitCodes.h tells what the answers mean.
-#include <algorithm>
+// standard output, messages to standard error, or both into one JSON document on standard output;
+// exitCodes.h tells what the answers mean.
+#include <fmt/format.h>
+
 #include <csignal>
 #include <exception>
 #include <new>
 
 #include "platform/console.h"
 #include "tools/commandLine.h"
-#include "tools/commands.h"
-#include "tools/formats.h"
-#include "tools/output.h"
+#include "tools/commandTable.h"
 #include "tools/text.h"
-#include "tools/version.h"
 
 namespace vokTable {
 namespace {
 
-exitCode showVersion(const commandLine&, toolContext& context) {
-  context.output.line(toWide(versionText));
-  return exitCode::clean;
-}
-
-exitCode listFormats(const commandLine&, toolContext& context) {
-  showFormats(context.output);
-  return exitCode::clean;
-}
-
-constexpr struct {
-  std::string_view name;
-  exitCode (*run)(const commandLine& request, toolContext& context);
-} commands[] = {
-    {"tables",  listTables       },
-    {"fields",  listFields       },
-    {"head",    showFirstRows    },
-    {"cat",     showAllRows      },
-    {"count",   countRows        },
-    {"errors",  listRejectedLines},
-    {"find",    findValues       },
-    {"convert", convertTable     },
-    {"doctor",  examineMachine   },
-    {"formats", listFormats      },
-    {"version", showVersion      },
-};
-
-exitCode runTool(const std::vector<std::wstring>& arguments) {
-  toolContext context{messageWriter::forStandardError(), dataOutput::forStandardOutput()};
-  const parsedCommandLine parsed = parseCommandLine(arguments);
-  if (!parsed.request) {
-    if (!parsed.problem.empty()) {
-      context.messages.error(parsed.problem);
-      context.messages.hint("vok_table --help tells how it is used");
-      return exitCode::usage;
-    }
+/// Answers --help and a line that cannot be followed.
+exitCode answerWithoutCommand(const parsedCommandLine& parsed, toolContext& context) {
+  if (parsed.problem.empty()) {
     context.output.text(toWide(parsed.help));
-    return context.output.finish(context.messages, exitCode::clean);
+    return exitCode::clean;
   }
-  if (const auto problem = applySystemEncoding(parsed.request->reading)) {
+  context.messages.error(parsed.problem);
+  context.messages.hint(fmt::format("vok_table {}{}--help tells how it is used", parsed.command,
+                                    parsed.command.empty() ? "" : " "));
+  return exitCode::usage;
+}
+
+exitCode runCommand(const commandLine& request, toolContext& context) {
+  if (const auto problem = applySystemEncoding(request.reading)) {
     context.messages.error(*problem);
     return exitCode::usage;
   }
-  const auto* const command =
-      std::find_if(std::begin(commands), std::end(commands),
-                   [&](const auto& each) { return each.name == parsed.request->command; });
-  return context.output.finish(context.messages, command->run(*parsed.request, context));
+  if (request.json && request.csv) {
+    context.messages.error("--json and --csv are two forms of the answer: leave one of them out");
+    return exitCode::usage;
+  }
+  return findCommand(request.command)->run(request, context);
+}
+
+answerForm formOf(const parsedCommandLine& parsed, const std::vector<std::wstring>& arguments) {
+  if (parsed.request ? parsed.request->json : asksForJson(arguments) && parsed.help.empty())
+    return answerForm::json;
+  return parsed.request && parsed.request->csv ? answerForm::csv : answerForm::text;
+}
+
+exitCode runTool(const std::vector<std::wstring>& arguments) {
+  const parsedCommandLine parsed = parseCommandLine(arguments);
+  toolContext context(formOf(parsed, arguments));
+  std::vector<keptMessage> kept;
+  if (context.answer.isJson()) context.messages.keepIn(kept);
+  context.answer.begin(parsed.command,
+                       parsed.request ? parsed.request->reading.file : std::string());
+  const exitCode outcome =
+      parsed.request ? runCommand(*parsed.request, context) : answerWithoutCommand(parsed, context);
+  context.answer.conclude(kept, outcome);
+  // An output that takes nothing more cannot tell of it: a document neither.
+  return context.output.finish(messageWriter::forStandardError(), outcome);
 }
 
 /// The last resort, for which there may be no memory.

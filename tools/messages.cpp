@@ -38,6 +38,13 @@ void messageWriter::detail(std::string_view text) const { write({}, {}, text); }
 
 void messageWriter::write(std::string_view colour, std::string_view label,
                           std::string_view text) const {
+  if (kept_ != nullptr) {
+    if (label.empty() && !kept_->empty())
+      kept_->back().details.emplace_back(text);
+    else
+      kept_->push_back({std::string(label), std::string(text), {}});
+    return;
+  }
   std::wstring line;
   if (label.empty()) {
     line += L"  ";

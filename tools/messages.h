@@ -1,4 +1,4 @@
-// What the tool says to its user: errors, warnings and hints on standard error.
+// What the tool says to its user: errors, warnings and hints on standard error, or kept for the JSON document.
 //
 // A message says what happened, where, and what to do. It is one line, begins with a small letter
 // after the program's name, and names files and fields as the user knows them. Colours appear on a
@@ -10,9 +10,18 @@
 #ifndef VOK_TOOLS_MESSAGES_H
 #define VOK_TOOLS_MESSAGES_H
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace vokTable {
+
+/// A message that was kept, in UTF-8, and the lines below it.
+struct keptMessage {
+  std::string kind;  // error, warning or hint
+  std::string text;
+  std::vector<std::string> details;
+};
 
 class messageWriter {
  public:
@@ -22,6 +31,9 @@ class messageWriter {
 
   /// A writer that fits what standard error is.
   static messageWriter forStandardError();
+
+  /// From now on messages are kept here instead of shown; `kept` outlives the writer.
+  void keepIn(std::vector<keptMessage>& kept) { kept_ = &kept; }
 
   void error(std::string_view text) const;  ///< why the work was not done
   void warning(
@@ -36,6 +48,7 @@ class messageWriter {
 
   bool terminal_;
   bool colours_;
+  std::vector<keptMessage>* kept_ = nullptr;
 };
 
 }  // namespace vokTable

@@ -36,10 +36,7 @@ std::string comparable(std::string_view name) {
 
 std::string knownEncodings() {
   std::string names;
-  for (const auto& row : tableRW::textEncodings) {
-    if (!names.empty()) names += ", ";
-    names += row.name;
-  }
+  for (const std::string& name : encodingNames()) names += (names.empty() ? "" : ", ") + name;
   return names;
 }
 
@@ -125,6 +122,12 @@ std::optional<std::int32_t> findEncoding(std::string_view name) {
       return static_cast<std::int32_t>(found - std::begin(tableRW::textEncodings));
   }
   return std::nullopt;
+}
+
+std::vector<std::string> encodingNames() {
+  std::vector<std::string> names;
+  for (const auto& row : tableRW::textEncodings) names.emplace_back(row.name);
+  return names;
 }
 
 std::wstring makeDelimiter(std::string_view text) {

@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "table_rw/core/tableReaderOptions.h"
 
@@ -46,6 +47,9 @@ std::optional<std::uint64_t> parseCount(std::string_view text);
 
 /// Row of the encoding table; nothing when there is no such encoding.
 std::optional<std::int32_t> findEncoding(std::string_view name);
+
+/// The names of all encodings, in the order of the table.
+std::vector<std::string> encodingNames();
 
 /// A delimiter as the user may write it: `tab` is a TAB, and so is each `\t`.
 std::wstring makeDelimiter(std::string_view text);

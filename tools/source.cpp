@@ -66,6 +66,14 @@ bool readExtent(tableRW::tableReader& reader, extent wanted) {
   return wanted.rows == extent::wholeTable ? reader.read() : reader.readDemo(wanted.rows);
 }
 
+/// Whether a source without tables is a source at all. An SQLite file is opened before anybody looks into it, so
+/// only a query tells: it answers even for a table that is not there.
+bool isReadable(tableRW::tableReader& reader, const readingArguments& arguments) {
+  const auto type = findFileType(arguments.type.value_or("auto"));
+  if (type && isSqliteDatabase(*type, reader.path())) return reader.readOnlyHeaders();
+  return reader.isOK();
+}
+
 }  // namespace
 
 exitCode openSource(const readingArguments& arguments, toolContext& context,
@@ -127,6 +135,14 @@ exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& a
                          toolContext& context, listing rejected) {
   context.output.flush();
   return diagnose(reader, arguments, rejected, context.messages);
+}
+
+bool listSourceTables(tableRW::tableReader& reader, const readingArguments& arguments,
+                      toolContext& context, std::vector<std::wstring>& tables) {
+  reader.tableList(tables);
+  if (!tables.empty() || isReadable(reader, arguments)) return true;
+  explainFailure(reader, arguments, context);
+  return false;
 }
 
 }  // namespace vokTable

@@ -16,8 +16,11 @@
 #define VOK_TOOLS_SOURCE_H
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "table_rw/core/tableReader.h"
+#include "tools/answer.h"
 #include "tools/diagnosis.h"
 #include "tools/exitCodes.h"
 #include "tools/messages.h"
@@ -28,8 +31,17 @@ namespace vokTable {
 
 /// Where a command speaks.
 struct toolContext {
+  explicit toolContext(answerForm form)
+      : messages(messageWriter::forStandardError()),
+        output(dataOutput::forStandardOutput()),
+        answer(output, form) {}
+  toolContext(const toolContext&) = delete;
+  toolContext& operator=(const toolContext&) = delete;
+  ~toolContext() = default;
+
   messageWriter messages;
   dataOutput output;
+  answerWriter answer;
 };
 
 struct readerCloser {
@@ -57,6 +69,11 @@ bool readSource(tableRW::tableReader& reader, extent wanted, const readingArgume
 /// Says why nothing could be read from an open source.
 void explainFailure(tableRW::tableReader& reader, const readingArguments& arguments,
                     toolContext& context);
+
+/// The tables of an open source; none is no failure.
+/// @return false when the source cannot be read, which has been explained then
+bool listSourceTables(tableRW::tableReader& reader, const readingArguments& arguments,
+                      toolContext& context, std::vector<std::wstring>& tables);
 
 /// Hands out what was written, then says what is odd about the source (see diagnosis.h).
 /// @return rejected when lines were rejected, else clean

@@ -10,11 +10,11 @@ namespace vokTable {
 
 targetLimits::~targetLimits() = default;
 
-std::optional<std::string> targetLimits::chooseFields(const tableRW::tableReader& reader,
+std::optional<std::string> targetLimits::chooseFields(const selectedTable& table,
                                                       const std::optional<std::string>&,
                                                       std::vector<tableRW::writerField>& fields) {
-  for (std::size_t field = 0; field < reader.fieldCount(); ++field)
-    fields.push_back({reader.fieldName(field), reader.fieldType(field)});
+  for (std::size_t field = 0; field < table.fieldCount(); ++field)
+    fields.push_back({table.fieldName(field), table.fieldType(field)});
   return std::nullopt;
 }
 

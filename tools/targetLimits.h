@@ -11,8 +11,8 @@
 #include <string_view>
 #include <vector>
 
-#include "table_rw/core/tableReader.h"
 #include "table_rw/writers/tableWriter.h"
+#include "tools/selection.h"
 
 namespace vokTable {
 
@@ -26,7 +26,7 @@ class targetLimits {
   /// Chooses the fields of the target. Comes before every other question.
   /// @param named  what --fields says
   /// @return what is wrong with `named`, or why such a table cannot be written at all
-  virtual std::optional<std::string> chooseFields(const tableRW::tableReader& reader,
+  virtual std::optional<std::string> chooseFields(const selectedTable& table,
                                                   const std::optional<std::string>& named,
                                                   std::vector<tableRW::writerField>& fields);
 

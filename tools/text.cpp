@@ -54,15 +54,14 @@ std::size_t announcedLength(unsigned char first) {
   return 0;
 }
 
-/// Characters that move the cursor, colour the terminal, or reorder what stands beside them.
+}  // namespace
+
 bool drivesTerminal(char32_t character) {
   return character < 0x20 || (character >= 0x7F && character <= 0x9F) || character == 0x061C ||
          character == 0x200E || character == 0x200F ||
          (character >= 0x2028 && character <= 0x202E) ||
          (character >= 0x2066 && character <= 0x2069) || character == byteOrderMark;
 }
-
-}  // namespace
 
 char32_t nextCharacter(std::wstring_view text, std::size_t& at) {
   const char32_t first = element(text[at++]);

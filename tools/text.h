@@ -33,12 +33,16 @@ constexpr bool isSurrogate(char32_t character) {
   return character >= 0xD800 && character <= 0xDFFF;
 }
 
+/// Characters that move the cursor, colour the terminal, or reorder what stands beside them: control characters
+/// and the marks of writing direction.
+bool drivesTerminal(char32_t character);
+
 /// Where text will be seen.
 enum class destination { pipe, terminal };
 
 /// Appends a value so that it stays on its line and in its column: TAB, LF and CR become \t \n \r,
 /// a lone surrogate becomes U+FFFD. For a terminal, so do all characters that could drive it or
-/// disorder the line: control characters and the marks of writing direction.
+/// disorder the line.
 void appendShown(std::wstring& out, std::wstring_view value, destination where);
 
 /// Columns that the text takes on a terminal: 2 for a wide character, else 1.

@@ -21,6 +21,7 @@ outputFile::~outputFile() {
 }
 
 void outputFile::flush() {
+  flushed_ += buffer_.size();
   if (!hasFailed_) hasFailed_ = !file_.write(buffer_.data(), buffer_.size());
   buffer_.clear();
 }

@@ -2,6 +2,7 @@
 #ifndef VOK_CONVERTER_TEXT_OUTPUTFILE_H
 #define VOK_CONVERTER_TEXT_OUTPUTFILE_H
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -33,6 +34,8 @@ class outputFile {
   bool finishAs(const std::wstring& target);
 
   bool hasFailed() const { return hasFailed_; }
+  /// Bytes so far.
+  std::uint64_t size() const { return flushed_ + buffer_.size(); }
   const std::wstring& path() const { return path_; }
 
  private:
@@ -42,6 +45,7 @@ class outputFile {
   std::wstring path_;
   platform::binaryFile file_;
   std::string buffer_;
+  std::uint64_t flushed_ = 0;
   bool isOpen_ = false;
   bool hasFailed_ = false;
 };

@@ -8,7 +8,9 @@ namespace converter {
 namespace {
 
 constexpr std::uint64_t placesThatAreNeverTooMany = std::uint64_t{1} << 30;
+constexpr std::uint64_t placesPaddedAtOnce = std::uint64_t{1} << 24;
 constexpr std::uint64_t mostPlacesOfACell = 100;
+constexpr const char* writingProblem = "the text file could not be written";
 constexpr std::size_t blockSize = std::size_t{256} * 1024;
 
 }  // namespace
@@ -48,6 +50,7 @@ sheetText::sheetText(std::wstring target, const sheetTextOptions& options)
     : target_(std::move(target)), options_(options), lines_(target_ + L".lines") {}
 
 void sheetText::cell(std::uint32_t row, std::uint32_t column, std::string_view text) {
+  if (lines_.size() > options_.mostBytes) return;  // refused when it is asked for the next time
   ++cellCount_;
   width_ = std::max(width_, column + 1);
   rows_ = std::max(rows_, row + 1);
@@ -62,16 +65,19 @@ void sheetText::cell(std::uint32_t row, std::uint32_t column, std::string_view t
   line.append(column - delimiters, options_.delimiter);
   line += text;
   columns_ = column + 1;
+  lines_.flushWhenFull();
 }
 
 void sheetText::endLine() {
   if (padding_ == 0) padding_ = columns_;
-  // WHY: the padding of a sheet that will be refused is not even written.
-  if (isTooSparse(row_ + std::uint64_t{1}, padding_)) padding_ = 1;
+  // WHY: the padding of a sheet that may be refused is not even written.
+  if (isSparse(row_ + std::uint64_t{1}, padding_, placesPaddedAtOnce)) padding_ = 1;
   const std::uint32_t columns = std::max({columns_, padding_, 1u});
   lines_.buffer().append(columns - std::max(columns_, 1u), options_.delimiter);
   lines_.buffer() += '\n';
   lines_.flushWhenFull();
+  longestLine_ = std::max(longestLine_, lines_.size() - lineBegin_);
+  lineBegin_ = lines_.size();
   narrowest_ = std::min(narrowest_, columns);
   ++row_;
   columns_ = 0;
@@ -81,22 +87,42 @@ void sheetText::mergedCells(const cellRange& range) {
   if (options_.copyMerged) merges_.push_back(range);
 }
 
-bool sheetText::isTooSparse(std::uint64_t rows, std::uint64_t columns) const {
+bool sheetText::isSparse(std::uint64_t rows, std::uint64_t columns, std::uint64_t beyond) const {
   const std::uint64_t places = rows * columns;
-  return places > placesThatAreNeverTooMany && places / mostPlacesOfACell > cellCount_;
+  return places > beyond && places / mostPlacesOfACell > cellCount_;
 }
 
-std::string sheetText::writingProblem() const { return "the text file could not be written"; }
+bool sheetText::isTooSparse(std::uint64_t rows, std::uint64_t columns) const {
+  return isSparse(rows, columns, placesThatAreNeverTooMany);
+}
 
-std::string sheetText::stopReason() {
-  return lines_.hasFailed() ? writingProblem() : std::string();
+std::string sheetText::sparseProblem() const {
+  return "the sheet has " + std::to_string(rows_) + " rows and " + std::to_string(width_) +
+         " columns, but only " + std::to_string(cellCount_) + " cells with a value: it is no table";
+}
+
+std::string sheetText::stopReasonOf(const outputFile& file) const {
+  if (file.hasFailed()) return writingProblem;
+  if (file.size() > options_.mostBytes && isTooSparse(rows_, width_)) return sparseProblem();
+  if (file.size() > options_.mostBytes)
+    return "the sheet is refused: its text would be longer than " +
+           std::to_string(options_.mostBytes) + " bytes, far more than its workbook";
+  if (longestLine_ > options_.mostLineBytes)
+    return "the sheet is refused: it has a row that is too long";
+  if (merges_.size() > options_.mostMerges)
+    return "the sheet is refused: it has too many merged ranges";
+  if (lateCells_.size() > options_.mostLateCells || lateTexts_.size() > options_.mostLateBytes)
+    return "the sheet is refused: too many of its cells come out of order";
+  return {};
 }
 
 bool sheetText::finish(std::string& problem) {
   if (columns_ > 0) endLine();
   const bool isFinal =
       narrowest_ >= width_ && lateCells_.empty() && merges_.empty() && !options_.onlyRow;
-  problem = writingProblem();
+  problem = stopReason();
+  if (!problem.empty()) return false;
+  problem = writingProblem;
   if (isFinal) return lines_.finishAs(target_);
   if (!lines_.close()) return false;
   std::stable_sort(lateCells_.begin(), lateCells_.end(), [](const lateCell& a, const lateCell& b) {
@@ -105,11 +131,10 @@ bool sheetText::finish(std::string& problem) {
   std::stable_sort(merges_.begin(), merges_.end(), [](const cellRange& a, const cellRange& b) {
     return a.firstRow != b.firstRow ? a.firstRow < b.firstRow : a.firstColumn < b.firstColumn;
   });
-  if (!measureMerges()) return false;
+  // WHY twice: measuring a sheet that is too sparse already would take minutes.
+  if (!isTooSparse(rows_, width_) && !measureMerges()) return false;
   if (isTooSparse(rows_, width_)) {
-    problem = "the sheet has " + std::to_string(rows_) + " rows and " + std::to_string(width_) +
-              " columns, but only " + std::to_string(cellCount_) +
-              " cells with a value: it is no table";
+    problem = sparseProblem();
     return false;
   }
   return writeAnew(problem);
@@ -158,13 +183,20 @@ bool sheetText::writeAnew(std::string& problem) {
       splitLine(line);
       applyLateCells(row);
       applyMerges(row);
-      if (isWanted) writeCells(anew.buffer());
+      if (isWanted && !writeCells(anew.buffer())) {
+        problem = stopReason();
+        return false;
+      }
       std::erase_if(active_, [row](const auto& each) { return each.second.lastRow <= row; });
     } else if (isWanted) {
       writeLine(anew.buffer(), line);
     }
     anew.flushWhenFull();
     if (options_.onlyRow && isWanted) break;
+    if (anew.size() > options_.mostBytes) {
+      problem = stopReasonOf(anew);
+      return false;
+    }
   }
   if (!anew.finishAs(target_)) return false;
   problem.clear();
@@ -215,12 +247,17 @@ void sheetText::writeLine(std::string& out, std::string_view line) const {
   out += '\n';
 }
 
-void sheetText::writeCells(std::string& out) const {
+bool sheetText::writeCells(std::string& out) {
+  std::uint64_t size = cells_.size();
+  for (const std::string_view cell : cells_) size += cell.size();
+  longestLine_ = std::max(longestLine_, size);
+  if (longestLine_ > options_.mostLineBytes) return false;
   for (std::size_t column = 0; column < cells_.size(); ++column) {
     if (column > 0) out += options_.delimiter;
     out += cells_[column];
   }
   out += '\n';
+  return true;
 }
 
 }  // namespace converter

@@ -11,7 +11,9 @@
 // Merged cells: the first cell's value stands in every cell of the range. Of ranges that overlap, which only
 // damaged workbooks have, the first from above and from the left counts.
 // Refused: a sheet of more than 2^30 places of which less than a hundredth holds a value: a single cell in
-// the last corner of a sheet would make 17 GB of delimiters.
+// the last corner of a sheet would make 17 GB of delimiters. A text longer than it may be. And what would
+// take hundreds of megabytes of memory: rows above 64 MiB, millions of merged ranges, many millions of cells
+// that come out of order.
 #ifndef VOK_CONVERTER_TEXT_SHEETTEXT_H
 #define VOK_CONVERTER_TEXT_SHEETTEXT_H
 
@@ -31,6 +33,13 @@ struct sheetTextOptions {
   char delimiter = '$';
   bool copyMerged = false;
   std::optional<std::uint32_t> onlyRow;  ///< nothing but the line of this row is written
+
+  // What is beyond these is refused.
+  std::uint64_t mostBytes = std::uint64_t{1} << 30;  ///< of the text
+  std::uint64_t mostLineBytes = std::uint64_t{64} << 20;
+  std::size_t mostMerges = std::size_t{4} << 20;
+  std::size_t mostLateCells = std::size_t{4} << 20;  ///< that come out of order
+  std::size_t mostLateBytes = std::size_t{256} << 20;
 };
 
 class sheetText final : public sheetReceiver {
@@ -42,7 +51,7 @@ class sheetText final : public sheetReceiver {
 
   void cell(std::uint32_t row, std::uint32_t column, std::string_view text) override;
   void mergedCells(const cellRange& range) override;
-  std::string stopReason() override;
+  std::string stopReason() override { return stopReasonOf(lines_); }
 
   /// Ends the sheet and gives the file its name. Without it nothing is left.
   /// @param problem  receives the reason when the answer is false
@@ -64,6 +73,7 @@ class sheetText final : public sheetReceiver {
   class lineSource;
 
   void endLine();
+  bool isSparse(std::uint64_t rows, std::uint64_t columns, std::uint64_t beyond) const;
   bool isTooSparse(std::uint64_t rows, std::uint64_t columns) const;
   bool measureMerges();
   bool writeAnew(std::string& problem);
@@ -72,8 +82,9 @@ class sheetText final : public sheetReceiver {
   void applyMerges(std::uint32_t row);
   void startMerge(const cellRange& range);
   void writeLine(std::string& out, std::string_view line) const;
-  void writeCells(std::string& out) const;
-  std::string writingProblem() const;
+  bool writeCells(std::string& out);
+  std::string stopReasonOf(const outputFile& file) const;
+  std::string sparseProblem() const;
 
   std::wstring target_;
   sheetTextOptions options_;
@@ -86,6 +97,8 @@ class sheetText final : public sheetReceiver {
   std::uint32_t padding_ = 0;  // columns that every line is padded to, once one is known
   std::uint32_t narrowest_ = mostColumns;
   std::uint64_t cellCount_ = 0;
+  std::uint64_t lineBegin_ = 0;  // of the open line in the file
+  std::uint64_t longestLine_ = 0;
 
   std::vector<lateCell> lateCells_;
   std::string lateTexts_;

@@ -32,6 +32,9 @@ class numberFormats {
   /// Adds the next cell style. Definitions may come after it.
   void addStyle(unsigned formatNumber) { styles_.push_back(formatNumber); }
 
+  /// Definitions and styles so far.
+  std::size_t size() const { return defined_.size() + styles_.size(); }
+
   /// Ends the collecting.
   void resolve();
 

@@ -15,6 +15,7 @@ constexpr unsigned flagWide = 1;
 constexpr unsigned flagPhonetic = 4;
 constexpr unsigned flagRich = 8;
 
+constexpr unsigned numberError = 0x24;  // #NUM!
 constexpr std::string_view unknownError = "#UNKNOWN!";
 constexpr std::string_view cutProblem = "the workbook is damaged: its records end too early";
 
@@ -307,6 +308,10 @@ void xlsWorkbook::readMerges(sheetState& state) const {
 }
 
 void xlsWorkbook::emitNumber(sheetState& state, unsigned style, double number) {
+  if (!std::isfinite(number)) {
+    emitBooleanOrError(state, numberError, true);  // as spreadsheet programs take it
+    return;
+  }
   line_.clear();
   appendFormatted(line_, number, formats_.kindOfStyle(style), dates_);
   state.receiver->cell(state.row, state.column, line_);

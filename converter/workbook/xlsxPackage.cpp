@@ -3,6 +3,8 @@
 namespace converter {
 namespace {
 
+constexpr std::size_t mostRelationships = 65536;
+
 std::string_view folderOfPart(std::string_view part) { return part.substr(0, part.rfind('/') + 1); }
 
 class relationshipEvents final : public xmlEvents {
@@ -26,6 +28,11 @@ class relationshipEvents final : public xmlEvents {
   }
   void endElement(const char*) override {}
   void text(std::string_view) override {}
+  std::string stopReason() override {
+    return relationships_->size() > mostRelationships
+               ? "the workbook is refused: it has too many relationships"
+               : std::string();
+  }
 
  private:
   std::string_view folder_;

@@ -20,7 +20,12 @@ void xlsxSheetEvents::fail(std::string reason) {
   if (problem_.empty()) problem_ = std::move(reason);
 }
 
+void xlsxSheetEvents::checkLength() {
+  if (std::max(value_.size(), inline_.size()) > longestText) fail(longTextProblem);
+}
+
 std::string xlsxSheetEvents::stopReason() {
+  checkLength();
   return problem_.empty() ? receiver_->stopReason() : problem_;
 }
 
@@ -87,6 +92,7 @@ void xlsxSheetEvents::startCell(const xmlAttributes& attributes) {
 
 void xlsxSheetEvents::endCell() {
   isInCell_ = isInValue_ = isInline_ = false;
+  checkLength();
   if (!problem_.empty()) return;
   if (hasInline_) {
     line_.clear();

@@ -43,6 +43,7 @@ class xlsxSheetEvents final : public xmlEvents {
   void emitValue(std::string_view value);
   void addMerge(const xmlAttributes& attributes);
   void fail(std::string reason);
+  void checkLength();
 
   const xlsxContext* context_;
   sheetReceiver* receiver_;

@@ -5,10 +5,16 @@ namespace converter {
 void xlsxStringEvents::endElement(const char* name) {
   text_.endElement(name);
   if (!isText(name, "si")) return;
+  isTooLong_ = isTooLong_ || text_.size() > longestText;
   line_.clear();
   text_.appendTo(line_, *replacements_);
   text_.clear();
   pool_->add(line_);
+}
+
+std::string xlsxStringEvents::stopReason() {
+  if (pool_->size() > mostTexts_) return "the workbook is refused: it has too many shared strings";
+  return isTooLong_ || text_.size() > longestText ? longTextProblem : std::string();
 }
 
 std::size_t xlsxStringEvents::plainItems::take(std::string_view bytes, std::size_t& lines) {

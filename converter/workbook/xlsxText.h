@@ -10,6 +10,10 @@
 
 namespace converter {
 
+/// A longer text is refused; spreadsheet programs take 32,767 characters.
+constexpr std::size_t longestText = std::size_t{16} << 20;
+constexpr const char* longTextProblem = "the workbook is refused: it has a text longer than 16 MiB";
+
 /// Appends text with `_xHHHH_` turned into the UTF-16 unit it stands for; `_x005F_` is the underscore that
 /// keeps such a text from being one.
 void appendUnescaped(std::string& text, std::string_view escaped);
@@ -23,6 +27,9 @@ class richText {
   void text(std::string_view piece) {
     if (isCollecting_) collected_ += piece;
   }
+
+  /// Bytes that were collected.
+  std::size_t size() const { return collected_.size(); }
 
   /// Appends what was collected, as it can stand in a line.
   void appendTo(std::string& line, const lineText& replacements);

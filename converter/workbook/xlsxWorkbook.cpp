@@ -1,7 +1,7 @@
 #include "converter/workbook/xlsxWorkbook.h"
 
-#include <algorithm>
 #include <charconv>
+#include <unordered_map>
 
 #include "converter/workbook/xlsxSheet.h"
 #include "converter/workbook/xlsxStrings.h"
@@ -9,6 +9,10 @@
 
 namespace converter {
 namespace {
+
+// Far more than spreadsheet programs take; a part of a megabyte could name hundreds of millions.
+constexpr std::size_t mostSheets = 65536;
+constexpr std::size_t mostFormats = 1048576;
 
 bool isTrue(std::string_view text) { return text == "1" || text == "true" || text == "on"; }
 
@@ -47,6 +51,10 @@ class workbookEvents final : public xmlEvents {
   }
   void endElement(const char*) override {}
   void text(std::string_view) override {}
+  std::string stopReason() override {
+    return entries.size() > mostSheets ? "the workbook is refused: it has too many sheets"
+                                       : std::string();
+  }
 };
 
 class styleEvents final : public xmlEvents {
@@ -70,6 +78,10 @@ class styleEvents final : public xmlEvents {
     if (isText(name, "dxfs")) isInDifferences_ = false;
   }
   void text(std::string_view) override {}
+  std::string stopReason() override {
+    return formats_->size() > mostFormats ? "the workbook is refused: it has too many cell styles"
+                                          : std::string();
+  }
 
  private:
   numberFormats* formats_;
@@ -106,20 +118,20 @@ bool xlsxWorkbook::readWorkbookPart(const std::string& part, std::string& proble
     return false;
   context_.dates = events.dates;
   std::string stylesPart;
+  std::unordered_map<std::string_view, const relationship*> byId;
   for (const relationship& each : relationships) {
+    byId.emplace(each.id, &each);
     if (each.type == "styles") stylesPart = each.target;
     if (each.type == "sharedStrings") stringsPart_ = each.target;
   }
   for (workbookEvents::entry& each : events.entries) {
-    const auto found = std::find_if(
-        relationships.begin(), relationships.end(),
-        [&](const relationship& candidate) { return candidate.id == each.relationshipId; });
-    if (found == relationships.end()) continue;
+    const auto found = byId.find(each.relationshipId);
+    if (found == byId.end()) continue;
     sheetEntry sheet;
     sheet.name = std::move(each.name);
     sheet.isVisible = each.isVisible;
-    sheet.hasCells = found->type == "worksheet";
-    sheet.part = found->target;
+    sheet.hasCells = found->second->type == "worksheet";
+    sheet.part = found->second->target;
     sheets_.push_back(std::move(sheet));
   }
   return readStyles(stylesPart, problem);
@@ -137,7 +149,7 @@ bool xlsxWorkbook::readStyles(const std::string& part, std::string& problem) {
 bool xlsxWorkbook::readSharedStrings(const std::string& part, std::string& problem) {
   if (hasStrings_) return true;
   context_.sharedStrings = {};
-  xlsxStringEvents events(context_.sharedStrings, context_.replacements);
+  xlsxStringEvents events(context_.sharedStrings, context_.replacements, archive_.file().size());
   // Where the part is missing no cell may refer to one.
   if (const zipMember* const member = archive_.find(part))
     hasStrings_ = parseXml(archive_, *member, events, problem);

@@ -5,20 +5,15 @@
 #include <utility>
 #include <vector>
 
+#include "table_rw/capi/handles.h"
 #include "table_rw/core/readerVariants.h"
 #include "table_rw/core/tableReader.h"
 
+using cInterface::object;
 using tableRW::tableReader;
 using tableRW::tableReaderOptions;
 
 namespace {
-
-// A handle is the object itself: hosts that mix both interfaces pass one for the other.
-tableReaderOptions* object(vo_table_reader_options* options) {
-  return reinterpret_cast<tableReaderOptions*>(options);
-}
-
-tableReader* object(vo_table_reader* reader) { return reinterpret_cast<tableReader*>(reader); }
 
 // Runs an operation of a variant and keeps all but an allocation failure from crossing the interface.
 template <class Operation>

@@ -33,9 +33,14 @@ namespace tableRW {
 
 /// A record that a read rejected, as it stands in the source.
 struct rejectedRecord {
-  std::uint64_t line = 0;      ///< its number in the source, from 0
-  std::size_t valueCount = 0;  ///< values found in it (fieldCount() were expected)
-  std::wstring text;           ///< the line, decoded, without its line end
+  /// The offset in sources whose records are no lines of the file: a sheet's rows.
+  static constexpr std::uint64_t noOffset = ~std::uint64_t{0};
+
+  std::uint64_t line = 0;           ///< its number in the source, from 0
+  std::size_t valueCount = 0;       ///< values found in it (fieldCount() were expected)
+  std::wstring text;                ///< the line, decoded, without its line end
+  std::uint64_t offset = noOffset;  ///< of its first byte in the source
+  std::uint64_t size = 0;           ///< its bytes in the source, the line end included
 };
 
 /// The base of every reader: the options, the results of a read, and all lookups in them.

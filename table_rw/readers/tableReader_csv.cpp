@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "table_rw/readers/csvBlockParser.h"
+#include "table_rw/text/sourcePositions.h"
 #include "table_rw/text/splitText.h"
 #include "table_rw/text/textFileReader.h"
 
@@ -138,18 +139,24 @@ void tableReader_csv::addRecord(const std::wstring& line, std::uint64_t number,
 
 bool tableReader_csv::rejectedRecords(const std::function<bool(const rejectedRecord&)>& receive) {
   textFileReader source;
-  if (!source.open(options_.path, options_.encoding)) return false;
+  sourcePositions positions;
+  if (!source.open(options_.path, options_.encoding) || !positions.open(options_.path))
+    return false;
   rejectedRecord record;
   std::vector<std::wstring> values;
   std::uint64_t number = 0;
   for (const std::uint64_t wanted : errors_) {
+    std::uint64_t start = 0;
     while (number <= wanted) {
+      start = source.file.taken();
       if (!readTextLine(source, record.text)) return true;  // the file has become shorter
       ++number;
     }
     parceString(record.text, values);
     record.line = wanted;
     record.valueCount = values.size();
+    record.offset = positions.of(start);
+    record.size = positions.of(source.file.taken()) - record.offset;
     if (!receive(record)) break;
   }
   return true;

@@ -40,6 +40,7 @@ void textModeInput::close() {
   file_.close();
   growingArray<char>().swap(block_);
   next_ = 0;
+  taken_ = 0;
   carriedCr_ = exhausted_ = atEnd_ = false;
 }
 

@@ -9,6 +9,7 @@
 #define VOK_TABLE_RW_TEXT_TEXTMODEFILE_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -43,7 +44,13 @@ class textModeInput {
   bool fillMore();
 
   /// Takes `count` of the bytes that lie ready.
-  void skip(std::size_t count) { next_ += count; }
+  void skip(std::size_t count) {
+    next_ += count;
+    taken_ += count;
+  }
+
+  /// Bytes taken since the file was opened, line ends folded; see sourcePositions.h for their places.
+  std::uint64_t taken() const { return taken_; }
 
   /// Whether a read has met the end of the file, as the C function feof tells it: after a last line
   /// that ends in LF only the next read does.
@@ -54,6 +61,7 @@ class textModeInput {
   platform::binaryFile file_;
   growingArray<char> block_;  // folded bytes
   std::size_t next_ = 0;      // first byte not yet handed out
+  std::uint64_t taken_ = 0;   // bytes handed out since the file was opened
   bool carriedCr_ = false;    // the last byte read was a CR, whose next byte is not known yet
   bool exhausted_ = false;    // nothing more is to be read from the file
   bool atEnd_ = false;

@@ -230,6 +230,20 @@ TEST(xlsx, storedMembersAndDuplicates) {
   EXPECT_EQ(conversion().run(zipOf(members, false)), "first\n");
 }
 
+// Names are compared, never used as paths; an archive within the archive is bytes of a member like any.
+TEST(xlsx, namesThatLeadOutAndArchivesWithin) {
+  zipMembers members = changed("xl/_rels/workbook.xml.rels", "worksheets/sheet1.xml",
+                               "../../../xl/drawings/../worksheets/./sheet1.xml");
+  members.insert(members.begin(), {"../../source.csv", "stolen"});
+  members.emplace_back("xl/embeddings/../../out/source.csv", "stolen");
+  members.emplace_back("xl/embeddings/package.zip", zipOf(members));
+  EXPECT_EQ(conversion().run(zipOf(members)), "first\n");
+  EXPECT_EQ(conversion().run(zipOf({
+                {"a.xlsx", zipOf(members)}
+  })),
+            "problem: the ZIP archive holds no Excel workbook");
+}
+
 struct refusalRow {
   const char* name;
   zipMembers members;
@@ -260,6 +274,54 @@ TEST(xlsx, refusals) {
                  }()), "problem: an XML part is refused: elements are nested too deeply"},
       refusalRow{"an item without end", changed(sheetPart, "<sheetData>", "<!--" + std::string(40u << 20, 'x') + "-->"),
                  "problem: an XML part is refused: a single item of it is longer than 16 MiB"},
+  };
+  // clang-format on
+  for (const refusalRow& row : rows) {
+    const testing::ScopedTrace trace(__FILE__, row.line, row.name);
+    EXPECT_EQ(conversion().run(zipOf(row.members)), row.expected);
+  }
+}
+
+TEST(xlsx, aProblemIsShort) {
+  const std::string name = "\xC3\xA9" + std::string(100000, 'x');
+  for (const std::string& text : {name, "x" + name}) {
+    conversion named;
+    const std::string answer =
+        named.run(zipOf(changed("xl/worksheets/sheet1.xml", "<v>0</v>", "<v>" + text + "</v>")));
+    EXPECT_TRUE(
+        answer.starts_with("problem: the sheet is damaged: cell A1 refers to shared string"));
+    EXPECT_TRUE(answer.ends_with("xx...")) << answer;
+    EXPECT_LT(answer.size(), 420u);
+  }
+}
+
+// A part of a few hundred bytes can hold millions of these.
+TEST(xlsx, partsThatAreNoWorkbooks) {
+  const auto times = [](std::size_t count, const std::string& item) {
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i) all += item;
+    return all;
+  };
+  const std::string longText((16u << 20) + 1, 'x');
+  const std::string longTextProblem =
+      "problem: the workbook is refused: it has a text longer than 16 MiB";
+  const std::string sheetPart = "xl/worksheets/sheet1.xml";
+  const std::string stringsPart = "xl/sharedStrings.xml";
+  // clang-format off
+  const refusalRow rows[] = {
+      refusalRow{"sheets", changed("xl/workbook.xml", "<sheets>", "<sheets>" + times(65537, "<sheet/>")),
+                 "problem: the workbook is refused: it has too many sheets"},
+      refusalRow{"relationships",
+                 changed("_rels/.rels", "<Relationship ", times(65537, "<Relationship/>") + "<Relationship "),
+                 "problem: the workbook is refused: it has too many relationships"},
+      refusalRow{"styles", changed("xl/styles.xml", "<cellXfs>", "<cellXfs>" + times(1048577, "<xf/>")),
+                 "problem: the workbook is refused: it has too many cell styles"},
+      refusalRow{"shared strings", changed(stringsPart, "<si>", times((4u << 20) + 1, "<si/>") + "<si>"),
+                 "problem: the workbook is refused: it has too many shared strings"},
+      refusalRow{"a shared text", changed(stringsPart, "first", longText), longTextProblem.c_str()},
+      refusalRow{"a value", changed(sheetPart, "<v>0</v>", "<v>" + longText + "</v>"), longTextProblem.c_str()},
+      refusalRow{"an inline text", changed(sheetPart, "<v>0</v>", "<is><t>" + longText + "</t></is>"),
+                 longTextProblem.c_str()},
   };
   // clang-format on
   for (const refusalRow& row : rows) {

@@ -158,7 +158,9 @@ class DebianPackages(InstallTest):
         self.dpkg("--install", *self.made)
         usr = os.path.join(root, "usr")
         installed = files_below(usr)
-        for name in ("bin/vok_table", "bin/vok_xls2csv.exe", "include/vok_table_rw_vc/table_rw/core/tableReader.h"):
+        for name in ("bin/vok_table", "bin/vok_xls2csv.exe", "include/vok_table_rw_vc/table_rw/core/tableReader.h",
+                     "share/vok_table_rw_vc/bindings/csharp/VokTableRw.cs",
+                     "share/vok_table_rw_vc/bindings/python/vok_table_rw/__init__.py"):
             self.assertIn(name, installed)
         library = os.path.dirname(glob.glob(os.path.join(usr, "lib", "**", "*.so.1"), recursive=True)[0])
         self.check_cmake(usr, library)
@@ -191,7 +193,8 @@ class WindowsZip(InstallTest):
     def test_examples_and_tool(self):
         installed = files_below(self.prefix)
         for name in ("bin/vok_table.exe", "bin/vok_xls2csv.exe", "bin/vok_table_rw_vc.dll", "lib/vok_table_rw_vc.def",
-                     "lib/libvok_table_rw_vc.dll.a", "include/vok_table_rw_vc/table_rw/capi/vo_table_reader.h"):
+                     "lib/libvok_table_rw_vc.dll.a", "include/vok_table_rw_vc/table_rw/capi/vo_table_reader_utf.h",
+                     "share/vok_table_rw_vc/bindings/csharp/VokTableRw.cs"):
             self.assertIn(name, installed)
         self.check_cmake(self.prefix, os.path.join(self.prefix, "bin"))
         tool = os.path.join(self.prefix, "bin", "vok_table.exe")

@@ -128,6 +128,20 @@ TEST(petrelDamage, aFileCutAtEveryByte) {
   }
 }
 
+// Text of Petrel is Windows-1251 or its neighbours; of others the reader makes what the rules say.
+TEST(petrelDamage, filesInOtherEncodings) {
+  const temporaryFolder folder;
+  const std::string plain = header + "\"A 1\" 1200.5 -999 \n\"NULL\" x \n";
+  std::string low = "\xFF\xFE";
+  std::string high = "\xFE\xFF";
+  for (const char c : plain) {
+    low.append(1, c).append(1, '\0');
+    high.append(1, '\0').append(1, c);
+  }
+  for (const std::string& bytes : {"\xEF\xBB\xBF" + plain, low, high, header + low, header + high})
+    EXPECT_EQ(differenceFromTwin(folder.write(L"t", bytes), bytes), "");
+}
+
 TEST(petrelDamage, aHeaderOfAHundredThousandNames) {
   const temporaryFolder folder;
   std::string bytes = "# Petrel x\nBEGIN HEADER\n";

@@ -309,6 +309,38 @@ TEST(tableReader_csv, handsOverRejectedRecordsInOrder) {
   EXPECT_EQ(describe(reader), "fields a|b  rows 2|3 / x|7 / 8|9;9  errors 1,4,8,9  ok");
 }
 
+TEST(tableReader_csv, rejectedRecordsTellTheirBytes) {
+  const temporaryFolder folder;
+  const std::string longText(3000, 'x');  // more than one chunk of a line
+  struct row {
+    const char* name;
+    std::string bytes;
+    std::string rejected;  // each as offset:bytes, with a bar behind it
+    int line = __builtin_LINE();
+  };
+  for (const row& each : {
+           row{"LF",                  "a;b\n1\n2;3\n4;5;6\n",         "4:1\n|10:4;5;6\n|"           },
+           row{"CR LF",               "a;b\r\n1\r\n2;3\r\n\r\n4\r\n", "5:1\r\n|15:4\r\n|"           },
+           row{"no line end",         "a;b\r\n1",                     "5:1|"                        },
+           row{"CR at the end",       "a;b\r\n1\r",                   "5:1\r|"                      },
+           row{"Ctrl-Z behind it",    "a;b\n1\x1A;2",                 "4:1|"                        },
+           row{"lines joined by NUL", "a;b\n1\0x\r\n2;3;4\r\n5\n"s,   "4:1\0x\r\n2;3;4\r\n|16:5\n|"s},
+           row{"beyond one chunk",    "a;b\n" + longText + "\r\n1\n",
+               "4:" + longText + "\r\n|3006:1\n|"                                                   },
+  }) {
+    const testing::ScopedTrace trace(__FILE__, each.line, each.name);
+    tableReader_csv reader(csvOptions().forFile(folder.write(L"wells.csv", each.bytes)));
+    ASSERT_TRUE(reader.read());
+    std::string found;
+    EXPECT_TRUE(reader.rejectedRecords([&](const rejectedRecord& record) {
+      found +=
+          std::to_string(record.offset) + ":" + each.bytes.substr(record.offset, record.size) + "|";
+      return true;
+    }));
+    EXPECT_EQ(found, each.rejected);
+  }
+}
+
 TEST(tableReader_csv, theReceiverStopsEarly) {
   const temporaryFolder folder;
   tableReader_csv reader(csvOptions().forFile(folder.write(L"wells.csv", manyErrors)));

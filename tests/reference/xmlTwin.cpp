@@ -127,7 +127,7 @@ xmlOutcome readStringsXml(const std::string& document, const std::vector<std::si
                           bool isShort) {
   converter::textPool pool;
   const converter::lineText replacements('$');
-  converter::xlsxStringEvents events(pool, replacements);
+  converter::xlsxStringEvents events(pool, replacements, 0);
   pieces source(document, sizes);
   xmlOutcome result;
   parse(result, events, source, isShort);

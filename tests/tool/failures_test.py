@@ -11,21 +11,27 @@ from tool_cases import (Case, CaseTest, Settings, cases, main, posix_only, run_t
 
 AB = {"t.csv": "a;b\n1;2\n"}
 HELP = "hint: vok_table --help tells how it is used\n"
-COMMANDS = "the commands are tables, fields, head, cat, count, errors, find, convert, doctor, formats, version\n"
+CAT_HELP = "hint: vok_table cat --help tells how it is used\n"
+COMMANDS = ("the commands are tables, fields, head, cat, count, stats, errors, find, convert, doctor, formats, "
+            "completion, version\n")
 
 
 @cases(
     Case("no command", [], "", ["error: a command is missing; " + COMMANDS, HELP], 2),
     Case("unknown command", ["show"], "", ['error: there is no command "show"; ' + COMMANDS, HELP], 2),
     Case("unknown option without a command", ["--color"], "", ['there is no option "--color"; '], 2),
-    Case("unknown option", ["cat", "t.csv", "--color"], "", ["not expected: --color", HELP], 2, AB),
-    Case("no file", ["cat"], "", ["error: FILE is required\n", HELP], 2),
+    Case("unknown option", ["cat", "t.csv", "--color"], "", ["not expected: --color", CAT_HELP], 2, AB),
+    Case("no file", ["cat"], "", ["error: FILE is required\n", CAT_HELP], 2),
     Case("two files", ["cat", "t.csv", "t.csv"], "", ["not expected: t.csv"], 2, AB),
     Case("option without its value", ["cat", "t.csv", "--delimiter"], "", ["--delimiter"], 2, AB),
     Case("option given twice", ["cat", "t.csv", "--quote", "a", "--quote", "b"], "", ["--quote"], 2, AB),
     Case("option of another command", ["cat", "t.csv", "--force"], "", ["not expected: --force"], 2, AB),
     Case("find without a condition", ["find", "t.csv", "--show", "a"], "", ["--where is required"], 2, AB),
-    Case("find without a field", ["find", "t.csv", "--where", "a=1"], "", ["--show is required"], 2, AB),
+    Case("find without a field", ["find", "t.csv", "--where", "a=1"], "",
+         ["error: name the fields to print, either one with --show FIELD or some with --select "
+          "FIELD[,FIELD...]\n"], 2, AB),
+    Case("find with both", ["find", "t.csv", "--where", "a=1", "--show", "a", "--select", "b"], "",
+         ["name the fields to print, either one"], 2, AB),
     Case("type by unknown name", ["cat", "t.csv", "--type", "ods"], "",
          ['error: there is no type "ods": the types are auto, csv, xls, xls-odbc, access, dbf, sqlite, '
           "micromine, dhdb, petrel\n"], 2, AB),

@@ -46,29 +46,29 @@ class Commands(CaseTest):
 
 
 @cases(
-    Case("nothing rejected", ["errors", "t.csv"], "line\texpected\tfound\ttext\n", files=AB),
+    Case("nothing rejected", ["errors", "t.csv"], "line\toffset\texpected\tfound\ttext\n", files=AB),
     Case("numbers as an editor counts", ["errors", "t.csv"],
-         "line\texpected\tfound\ttext\n4\t2\t1\t3\n5\t2\t3\t4;5;6\n",
+         "line\toffset\texpected\tfound\ttext\n4\t9\t2\t1\t3\n5\t11\t2\t3\t4;5;6\n",
          ["warning: 2 of 4 lines were rejected\n"], 1, files=REJECTED),
     Case("CR LF, header further down, text as it is", ["errors", "t.csv", "--header-row", "2"],
-         "line\texpected\tfound\ttext\n3\t2\t1\t  x y  \n5\t2\t3\t \\t;;\n",
+         "line\toffset\texpected\tfound\ttext\n3\t11\t2\t1\t  x y  \n5\t25\t2\t3\t \\t;;\n",
          ["2 of 3 lines"], 1, files={"t.csv": "note\r\na;b\r\n  x y  \r\n1;2\r\n \t;;\r\n"}),
     Case("without a header", ["errors", "t.csv", "--header-row", "none"],
-         "line\texpected\tfound\ttext\n2\t2\t1\t3\n", ["1 of 2 lines"], 1,
+         "line\toffset\texpected\tfound\ttext\n2\t4\t2\t1\t3\n", ["1 of 2 lines"], 1,
          files={"t.csv": "1;2\n3\n"}),
     Case("decoded", ["errors", "t.csv", "--encoding", "cp1251"],
-         "line\texpected\tfound\ttext\n2\t1\t2\tскв;1\n", ["1 of 2 lines"], 1,
+         "line\toffset\texpected\tfound\ttext\n2\t9\t1\t2\tскв;1\n", ["1 of 2 lines"], 1,
          files={"t.csv": "скважина\nскв;1\n2\n".encode("cp1251")}),
     Case("a NUL byte joins two lines", ["errors", "t.csv"],
-         "line\texpected\tfound\ttext\n2\t2\t3\t4;56;7\n5\t2\t1\t1\n",
+         "line\toffset\texpected\tfound\ttext\n2\t4\t2\t3\t4;56;7\n5\t21\t2\t1\t1\n",
          ["the file holds NUL bytes: one can join two lines"], 1,
          files={"t.csv": b"a;b\n4;5\0\n6;7\n8;9\n1;1\n1\n"}),
     Case("no NUL byte before the end of the text", ["errors", "t.csv"],
-         "line\texpected\tfound\ttext\n2\t2\t1\t1\n",
+         "line\toffset\texpected\tfound\ttext\n2\t4\t2\t1\t1\n",
          ["1 of 2 lines was rejected\n",
           "the text ends at byte 11 (Ctrl-Z, 0x1A): 5 bytes behind it cannot be reached\n"], 1,
          files={"t.csv": b"a;b\n1\n2;3\n\x1a4;5\0\n"}),
-    Case("a last 0x1A hides nothing", ["errors", "t.csv"], "line\texpected\tfound\ttext\n",
+    Case("a last 0x1A hides nothing", ["errors", "t.csv"], "line\toffset\texpected\tfound\ttext\n",
          files={"t.csv": b"a;b\n1;2\n\x1a"}),
 )
 class Errors(CaseTest):
@@ -88,7 +88,7 @@ class Errors(CaseTest):
         self.assertIn('see: vok_table errors "my wells.txt" --type csv --encoding CP1251 --delimiter tab '
                       '--quote "\'" --header-row 2 --data-row 3 --table x\n', run.err)
         run = run_tool("errors", "my wells.txt", *options, cwd=self.folder)
-        self.assertEqual(run.out, b"line\texpected\tfound\ttext\n3\t2\t1\t1\n")
+        self.assertEqual(run.out, b"line\toffset\texpected\tfound\ttext\n3\t9\t2\t1\t1\n")
 
 
 @cases(

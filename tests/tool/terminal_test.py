@@ -109,13 +109,14 @@ class Drawing(TerminalTest):
 
     def test_rejected_lines(self):
         self.check_drawing("a;b\n" + "1;2\n" * 8 + "3\n4;5;6\n",
-                           "line  expected  found  text\n----  --------  -----  -----\n"
-                           "  10         2      1  3\n  11         2      3  4;5;6\n", "errors")
+                           "line  offset  expected  found  text\n----  ------  --------  -----  -----\n"
+                           "  10      36         2      1  3\n  11      38         2      3  4;5;6\n", "errors")
 
     def test_data_cannot_drive_the_terminal(self):
         self.write({"t.csv": "a\x1b[31m;b\n\x1b]0;title\x07\n1\x9b2J;2\u202e\x7f\n\tx\ry;3\x08\n"
                              "\x1b[H\x0c\n"})
-        for command in (["cat"], ["errors"], ["fields"], ["find", "--where", "b=3\x08", "--show", "a\x1b[31m"]):
+        for command in (["cat"], ["errors"], ["errors", "--csv"], ["fields"], ["stats"], ["cat", "--json"],
+                        ["find", "--where", "b=3\x08", "--show", "a\x1b[31m"]):
             text = self.shown(command[0], "t.csv", *command[1:])
             self.assertNotEqual(text, "")
             self.assertEqual(re.findall("[\x00-\x09\x0b-\x1f\x7f-\x9f\u202e]", text), [], command)

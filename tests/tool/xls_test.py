@@ -13,6 +13,7 @@ import zipfile
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
+import displayed_workbooks  # noqa: E402
 import real_workbooks  # noqa: E402
 from tool_cases import Case, CaseTest, Settings, cases, main, run_tool  # noqa: E402
 from workbooks import book, cell, sheet  # noqa: E402
@@ -43,6 +44,29 @@ NOT_CONVERTED = "cannot read t.xlsx"
 )
 class TestTool(CaseTest):
     pass
+
+
+LOCKED = b"\x09\x08\x10\0\0\x06\x05\0" + b"\0" * 12 + b"\x2F\0\2\0\0\0"  # a BIFF stream with a password
+
+
+class TestTemporaryFolder(unittest.TestCase):
+    def test_nothing_is_left_in_it(self):
+        case = CaseTest()
+        case.setUp()
+        self.addCleanup(case.doCleanups)
+        folder = case.path("temporary files")
+        os.mkdir(folder)
+        seen = "Z:" + folder.replace("/", "\\") if Settings.is_windows() and folder.startswith("/") else folder
+        whole = AB["t.xlsx"]
+        for name, content, code in (("t.xlsx", whole, 0), ("t.xlsx", whole[:len(whole) // 2], 3),
+                                    ("t.xlsx", b"a;b\n1;2\n", 3), ("t.xls", b"<html><table></table></html>", 3),
+                                    ("t.xls", LOCKED, 3), ("t.xls", whole, 0)):
+            case.write({name: content})
+            for command in ("tables", "cat"):
+                with self.subTest(f"{command} {name} {content[:20]}"):
+                    run = run_tool(command, name, cwd=case.folder, env={"TMPDIR": folder, "TMP": seen})
+                    self.assertEqual(run.code, code, run.err)
+                    self.assertEqual(os.listdir(folder), [])
 
 
 class ConverterTest(unittest.TestCase):
@@ -177,6 +201,39 @@ class TestRealFiles(ConverterTest):
         self.compare("xlsx")
 
     def test_xls_as_xlrd(self):
+        self.compare("xls")
+
+
+class TestAsDisplayed(ConverterTest):
+    """Sheets that a spreadsheet program has exported as it shows them, in VOK_REAL_FILES too."""
+
+    def output(self, *switches, source):
+        run = self.convert("-delimiter", "$", *switches, source=source)
+        if run.returncode != 0:
+            return ""
+        ((written, content),) = self.outputs().items()
+        os.remove(self.files.path(written))
+        return content.decode()
+
+    def compare(self, kind):
+        exports = displayed_workbooks.displays(os.environ.get("VOK_REAL_FILES", ""), kind)
+        if not exports:
+            self.skipTest("VOK_REAL_FILES names no folder with files")
+        for path, number, csv_path in exports[::8] if Settings.is_windows() else exports:
+            if os.path.basename(csv_path) in displayed_workbooks.EXPLAINED:
+                continue
+            with self.subTest(os.path.basename(csv_path)):
+                listed = self.output("-tablelist", source=path).rstrip("\n").split("$")
+                if listed == [""] and displayed_workbooks.is_refused(os.path.basename(path)):
+                    continue
+                name = displayed_workbooks.sheet_name(csv_path, number, listed)
+                text = self.output("-table", name, source=path)
+                self.assertEqual(displayed_workbooks.differences(csv_path, text), [])
+
+    def test_xlsx(self):
+        self.compare("xlsx")
+
+    def test_xls(self):
         self.compare("xls")
 
 

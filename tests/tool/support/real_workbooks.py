@@ -90,14 +90,29 @@ def iso(value):
     return text[:-4] if text.endswith(".000") else text
 
 
+def possible_seconds(value):
+    """What a time can stand for: of the day, or from the first day that there is."""
+    if isinstance(value, datetime.timedelta):
+        all_of_it = [value.total_seconds()]
+    elif isinstance(value, datetime.time):
+        all_of_it = [(datetime.datetime.combine(datetime.date.min, value) - datetime.datetime.min).total_seconds()]
+    else:
+        value = datetime.datetime.combine(value, getattr(value, "time", datetime.time)())
+        firsts = (datetime.datetime(1899, 12, 30), datetime.datetime(1899, 12, 31), datetime.datetime(1904, 1, 1))
+        all_of_it = [(value - first).total_seconds() for first in firsts]
+    return all_of_it + [seconds % 86400 for seconds in all_of_it]
+
+
 def is_same_date(value, text):
     """The number format decides here what of a date is written; the packages always give all of it."""
     if re.fullmatch(r"-[\d.]+", text):
         return True  # before 1900: the number stays
     if text in ("1900-02-29", "1900-01-00") or text.startswith("1900-02-29T"):
         return True  # days that only spreadsheets know
-    if isinstance(value, datetime.timedelta) or re.fullmatch(r"\d+:\d\d:\d\d(\.\d+)?", text):
-        return True  # a part of the day, or hours beyond it: see the tests of number formats
+    match = re.fullmatch(r"(\d+):(\d\d):(\d\d(?:\.\d+)?)", text)
+    if match:
+        seconds = int(match[1]) * 3600 + int(match[2]) * 60 + float(match[3])
+        return any(abs(seconds - possible) < 0.002 for possible in possible_seconds(value))
     return text in (iso(value), value.isoformat()[:10])
 
 

@@ -1,0 +1,106 @@
+#!/usr/bin/env python3
+"""Rejected lines: errors as comma-separated values, and the file of --rejects, byte by byte."""
+import csv
+import io
+import os
+import random
+import sys
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
+from tool_cases import Case, CaseTest, cases, main, posix_only, run_tool, skip_for_windows  # noqa: E402
+
+REJECTED = {"t.csv": b"a;b\r\n1;2\r\n3\r\n4;5;6\r\n7;8\r\n"}
+WRITTEN = b"a;b\r\n1;2\r\n7;8\r\n"
+LOST = ["2 of 4 lines were rejected"]
+CONVERT = ["convert", "t.csv", "out.csv", "--rejects", "bad.csv"]
+EXISTS = "error: bad.csv exists already: name another target, or replace it with --force\n"
+TITLES = "line,offset,expected,found,text\n"
+
+
+def report(name, line, text):
+    """A case with one rejected line, the third."""
+    return Case(name, ["errors", "t.csv", "--csv"], TITLES + f"3,8,2,{line.count(';') + 1},{text}\n",
+                ["1 of 2 lines was rejected"], 1, {"t.csv": f"a;b\n1;2\n{line}\n"})
+
+
+@cases(
+    Case("nothing rejected", ["errors", "t.csv", "--csv"], TITLES, files={"t.csv": "a\n1\n"}),
+    report("plain", "x", "x"),
+    report("a comma", "x,y", '"x,y"'),
+    report("quotes", '"x" y', '"""x"" y"'),
+    report("blanks at the ends", " x", '" x"'),
+    report("a line break", "x\ry", '"x\ry"'),
+    report("Cyrillic", "скв;1;2", "скв;1;2"),
+    Case("of another command", ["cat", "t.csv", "--csv"], "", ["not expected: --csv"], 2, REJECTED),
+)
+class Report(CaseTest):
+    def test_python_reads_it_and_finds_the_lines(self):
+        rng = random.Random(4)
+        for end in ("\n", "\r\n"):
+            lines = ["a;b"] + ["".join(rng.choice('x",; \tЖ\r') for _ in range(rng.randint(1, 12))) + "q" for _ in range(200)]
+            content = "".join(line + end for line in lines).encode("utf-8")
+            self.write({"t.csv": content})
+            run = run_tool("errors", "t.csv", "--csv", "--quote", "", cwd=self.folder)
+            rows = list(csv.reader(io.StringIO(run.out.decode("utf-8"), newline="")))
+            self.assertGreater(len(rows), 50)
+            self.assertEqual(rows[0], TITLES.strip().split(","))
+            for line, offset, expected, found, text in rows[1:]:
+                self.assertEqual(text, lines[int(line) - 1])
+                self.assertEqual(content[int(offset):].split(end.encode())[0].decode("utf-8"), text)
+                self.assertEqual((int(expected), int(found)), (2, text.count(";") + 1))
+
+
+@cases(
+    Case("their own bytes", CONVERT, "", LOST, 1, REJECTED,
+         {**REJECTED, "out.csv": WRITTEN, "bad.csv": b"3\r\n4;5;6\r\n"}),
+    Case("in their encoding, without an end", [*CONVERT, "--encoding", "CP866"], "", ["1 of 2 lines was rejected"], 1,
+         {"t.csv": "a;b\n1;2\nпроба".encode("cp866")},
+         {"t.csv": "a;b\n1;2\nпроба".encode("cp866"), "out.csv": b"a;b\r\n1;2\r\n", "bad.csv": "проба".encode("cp866")}),
+    Case("NUL bytes", CONVERT, "", ["1 of 2 lines was rejected"], 1, {"t.csv": b"a;b\n1\0z\n;2;3\n5;6\n"},
+         {"t.csv": b"a;b\n1\0z\n;2;3\n5;6\n", "out.csv": b"a;b\r\n5;6\r\n", "bad.csv": b"1\0z\n;2;3\n"}),
+    Case("no rejected line", CONVERT, files={"t.csv": "a\n1\n"},
+         leaves={"t.csv": "a\n1\n", "out.csv": b"a\r\n1\r\n", "bad.csv": b""}),
+    Case("an older file", CONVERT, "", [EXISTS], 5, {**REJECTED, "bad.csv": "old"}),
+    Case("an older file, force", [*CONVERT, "--force"], "", LOST, 1, {**REJECTED, "bad.csv": "old"},
+         {**REJECTED, "out.csv": WRITTEN, "bad.csv": b"3\r\n4;5;6\r\n"}),
+    Case("the source", ["convert", "t.csv", "out.csv", "--rejects", "./t.csv", "--force"], "",
+         ["error: ./t.csv is both the source and the target: name another target\n"], 2, REJECTED),
+    Case("the target", ["convert", "t.csv", "out.csv", "--rejects", "out.csv", "--force"], "",
+         ["error: out.csv is both the target and the file for rejected lines: name another one\n"], 2, REJECTED),
+    Case("the target by another name", ["convert", "t.csv", "out.csv", "--rejects", "./out.csv", "--force"], "",
+         ["error: ./out.csv is both the target and the file for rejected lines"], 2, REJECTED,
+         {**REJECTED, "out.csv": WRITTEN}),
+    Case("a folder", ["convert", "t.csv", "out.csv", "--rejects", "d"], "", ["cannot write d: it is a folder"], 5,
+         {**REJECTED, "d/x": ""}),
+    Case("a folder that is missing", ["convert", "t.csv", "out.csv", "--rejects", "no/bad.csv"], "",
+         ["error: cannot write no/bad.csv: check that its folder exists"], 5, REJECTED,
+         {**REJECTED, "out.csv": WRITTEN}),
+    Case("no name", ["convert", "t.csv", "out.csv", "--rejects", ""], "", ["is empty: give it behind --rejects"], 2,
+         REJECTED),
+    Case("nothing is kept when nothing is written", [*CONVERT, "--strict"], "", ["nothing was written"], 5,
+         {"t.csv": "a\n中\n1;2\n"}),
+)
+class Rejects(CaseTest):
+    def test_a_line_longer_than_a_block(self):
+        line = b"x" * 700_000 + b";;\r\n"
+        self.write({"t.csv": b"a;b\n1;2\n" + line + b"3;4\n" + line})
+        run = run_tool(*CONVERT, cwd=self.folder)
+        self.assertEqual((run.code, self.content()["bad.csv"]), (1, line + line))
+
+    def test_what_is_kept_can_be_read_again(self):
+        self.write(REJECTED)
+        run_tool(*CONVERT, cwd=self.folder)
+        run = run_tool("cat", "bad.csv", "--header-row", "none", cwd=self.folder)
+        self.assertEqual(run.out, b"field_0\n3\n")
+
+    @posix_only
+    @skip_for_windows("named pipes of this system")
+    def test_a_pipe(self):
+        os.mkfifo(self.path("pipe.csv"))
+        run = run_tool("convert", "pipe.csv", "out.csv", "--rejects", "bad.csv", cwd=self.folder)
+        self.assertEqual((run.code, "can be read only once" in run.err), (3, True))
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,49 @@
+// The command errors: every rejected line, where it stands, what is wrong with it, and its text.
+#include <fmt/format.h>
+
+#include <string>
+
+#include "platform/files.h"
+#include "tools/commands.h"
+#include "tools/formats.h"
+
+namespace vokTable {
+
+exitCode listRejectedLines(const commandLine& request, toolContext& context) {
+  readerPointer reader;
+  const exitCode opened = openSource(request.reading, context, reader);
+  if (!reader) return opened;
+  if (platform::isPipeOrDevice(reader->path())) {
+    context.messages.error(fmt::format(
+        "{} can be read only once, and listing its rejected lines takes two: save it to a file",
+        request.reading.file));
+    return exitCode::cannotOpen;
+  }
+  if (!readSource(*reader, {}, request.reading, context)) return exitCode::cannotOpen;
+  recordList list;
+  list.key = "rejected";
+  list.columns = {
+      {"line",     "line",     columnKind::number},
+      {"offset",   "offset",   columnKind::number},
+      {"expected", "expected", columnKind::number},
+      {"found",    "found",    columnKind::number},
+      {"text",     "text",     columnKind::text  },
+  };
+  list.visitRows = [&reader](const rowReceiver& receive) {
+    if (reader->errorCount() == 0) return;
+    const std::wstring expected = std::to_wstring(reader->fieldCount());
+    reader->rejectedRecords([&](const tableRW::rejectedRecord& record) {
+      const bool hasPlace = record.offset != tableRW::rejectedRecord::noOffset;
+      return receive({std::to_wstring(record.line + 1),
+                      hasPlace ? std::to_wstring(record.offset) : std::wstring(), expected,
+                      std::to_wstring(record.valueCount), record.text});
+    });
+  };
+  context.answer.records(list);
+  const exitCode outcome = concludeReading(*reader, request.reading, context, listing::here);
+  const auto type = findFileType(request.reading.type.value_or("auto"));
+  if (isDelimitedText(*type, reader->path())) warnOfSpecialBytes(reader->path(), context.messages);
+  return outcome;
+}
+
+}  // namespace vokTable
