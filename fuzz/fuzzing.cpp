@@ -52,7 +52,13 @@ std::wstring wideText(std::string_view bytes) {
 }
 
 std::string outcomeOf(const tableRW::tableReader& reader) {
+  constexpr std::uint64_t fewRows = 4;
+  constexpr std::size_t fewBytes = 120;
   if (!reader.isOK()) return "failed";
+  if (reader.count() <= fewRows) {
+    std::string whole = testSupport::describe(reader);
+    if (whole.size() <= fewBytes) return whole;
+  }
   return std::to_string(reader.fieldCount()) + " fields, " + std::to_string(reader.count()) +
          " rows, " + std::to_string(reader.errorCount()) + " rejected";
 }

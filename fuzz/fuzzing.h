@@ -69,7 +69,7 @@ std::wstring writeInput(const std::wstring& name, std::string_view bytes);
 /// The bytes as wide text, whatever they are.
 std::wstring wideText(std::string_view bytes);
 
-/// The outcome of a read: `failed`, or how many fields, rows and rejected lines there are.
+/// The outcome of a read: `failed`, a small table as it is, or how many fields, rows and rejected lines there are.
 std::string outcomeOf(const tableRW::tableReader& reader);
 
 /// Reads a whole table and demands what holds for tables of every format but those with ragged rows: rows of full

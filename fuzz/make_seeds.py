@@ -150,6 +150,30 @@ def xls_parts(rows):
     return formats + styles + shared, cells
 
 
+def compound_of(name, data):
+    """A compound file with one stream: its FAT, directory, mini FAT, then the bytes."""
+    end, free = 0xFFFFFFFE, 0xFFFFFFFF
+    is_mini = len(data) < 4096
+    sectors, minis = -(-len(data) // 512), -(-len(data) // 64) if is_mini else 0
+
+    def chain(first, count):
+        return [first + i + 1 for i in range(count - 1)] + [end] if count else []
+
+    def table(numbers):
+        return struct.pack("<128I", *(numbers + [free] * 128)[:128])
+
+    def entry(label, kind, start, size):
+        units = label.encode("utf-16-le")
+        return (units.ljust(64, b"\0") + struct.pack("<HBx", len(units) + 2, kind)).ljust(116, b"\0") + struct.pack(
+            "<III", start, size, 0)
+
+    directory = entry("Root Entry", 5, 3 if is_mini else end, minis * 64) + entry(name, 2, 0 if is_mini else 3, len(data))
+    header = b"\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1" + bytes(16) + struct.pack("<HHHHH", 0x3E, 3, 0xFFFE, 9, 6) + bytes(10)
+    header += struct.pack("<9I", 1, 1, 0, 4096, 2, 1, end, 0, 0)
+    return (header.ljust(512, b"\xff") + table([0xFFFFFFFD, end, end] + chain(3, sectors)) + directory.ljust(512, b"\0")
+            + table(chain(0, minis)) + data.ljust(sectors * 512, b"\0"))
+
+
 # --- how targets take their inputs ----------------------------------------------------------------
 
 def with_memo(table, memo):
@@ -240,6 +264,7 @@ def add_matrix(seeds):
             seeds.add("zip", zip_of(members, method))
         book, cells = xls_parts(rows)
         seeds.add("xls", b"\0" + book + MARK + cells)
+        seeds.add("compound", compound_of("Workbook", book + cells))
         values = MARK.join(value.encode() for row in [FIELDS] + rows for value in row)
         for output in range(3):
             for page in range(2):

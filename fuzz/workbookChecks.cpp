@@ -8,6 +8,7 @@
 #include "converter/workbook/workbook.h"
 #include "fuzz/fuzzing.h"
 #include "platform/files.h"
+#include "tests/support/tableText.h"
 #include "tests/support/temporaryFolder.h"
 
 namespace fuzzing {
@@ -152,7 +153,13 @@ std::string checkedWorkbook(std::string_view bytes) {
   demand(static_cast<std::size_t>(std::count(list.text->begin(), list.text->end(), delimiter)) <
              std::max<std::size_t>(sheets, 1),
          "more names than sheets");
-  return std::to_string(cells.cells.size()) + " cells, " + std::to_string(sheets) + " sheets";
+  constexpr std::size_t fewCells = 8;
+  std::string outcome = std::to_string(sheets) + " sheets, ";
+  if (cells.cells.size() > fewCells) return outcome + std::to_string(cells.cells.size()) + " cells";
+  for (const auto& [place, cell] : cells.cells)
+    outcome += "[" + std::to_string(place.first) + " " + std::to_string(place.second) + " " +
+               testSupport::shortened(cell) + "]";
+  return outcome;
 }
 
 }  // namespace fuzzing

@@ -23,7 +23,7 @@ std::string sheetTextOf(const sheetCells& cells);
 ///   - the text file is sheetTextOf the cells; its first line alone, too; merged cells make no line longer than others
 ///   - the list of sheets can be written, and nothing is left beside the text file
 /// Sheets that would make large files are not converted, only read.
-/// @return the outcome, such as `3 cells` or `refused`
+/// @return the outcome: `refused`, or `1 sheets, [0 0 a]`
 std::string checkedWorkbook(std::string_view bytes);
 
 }  // namespace fuzzing

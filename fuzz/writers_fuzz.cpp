@@ -46,6 +46,8 @@ void write(const inputTable& table, const std::wstring& path, std::int32_t width
   options.delimiter = table.delimiter;
   for (const std::wstring& name : table.fields)
     options.fields.push_back({name, tableRW::fldText, width});
+  // WHY: see testSupport::writeFile; a file that is emptied may be waited for.
+  platform::removeFile(path);
   tableRW::tableWriter* const writer = tableRW::tableWriter::open(options);
   demand(writer != nullptr, "no writer");
   for (const textRow& row : table.rows) demand(writer->addRow(row), "a row is refused");
