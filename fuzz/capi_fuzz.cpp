@@ -1,10 +1,13 @@
 // The C interface as a sequence of calls that the input chooses, on a file of the input: each answers as its
 // declaration says, whatever was called before.
 #include <limits>
+#include <memory>
 
 #include "fuzz/fuzzing.h"
 #include "fuzz/targets.h"
 #include "table_rw/capi/vo_table_reader.h"
+#include "table_rw/capi/vo_table_reader_utf.h"
+#include "table_rw/text/utf8.h"
 
 namespace {
 
@@ -33,6 +36,27 @@ class receivedStrings {
 const wchar_t* const extensions[] = {L"csv",    L"dbf", L"dat", L"tops",
                                      L"sqlite", L"txt", L"",    L"fpt"};
 
+struct listCloser {
+  void operator()(vo_text_list* list) const { vo_text_list_close(list); }
+};
+using ownedList = std::unique_ptr<vo_text_list, listCloser>;
+
+// A list in UTF-8 as texts; every text has its NUL behind it.
+std::vector<std::string> textsOf(const vo_text_list* list) {
+  std::vector<std::string> texts;
+  const std::uint64_t* const offsets = vo_text_list_offsets(list);
+  const char* const data = vo_text_list_data_u8(list);
+  demand(offsets != nullptr && data != nullptr, "a list without offsets or bytes");
+  demand(offsets[0] == 0, "a list begins elsewhere");
+  for (std::uint64_t i = 0; i < vo_text_list_count(list); ++i) {
+    demand(offsets[i] < offsets[i + 1], "a text without its NUL");
+    texts.emplace_back(data + offsets[i], data + offsets[i + 1] - 1);
+    demand(data[offsets[i + 1] - 1] == '\0', "no NUL behind a text");
+    demand(tableRW::isValidUtf8(texts.back()), "a text that is not valid");
+  }
+  return texts;
+}
+
 // One host with its two handles.
 class host {
  public:
@@ -49,9 +73,10 @@ class host {
 
   void callNext() {
     static constexpr void (host::*calls[])() = {
-        &host::setOption, &host::reopen, &host::read,   &host::readDemo,   &host::readHeaders,
-        &host::setTable,  &host::tables, &host::fields, &host::oneValue,   &host::namedValue,
-        &host::row,       &host::errors, &host::read,   &host::setEncoding};
+        &host::setOption,   &host::reopen,      &host::read,   &host::readDemo,
+        &host::readHeaders, &host::setTable,    &host::tables, &host::fields,
+        &host::oneValue,    &host::namedValue,  &host::row,    &host::errors,
+        &host::read,        &host::setEncoding, &host::column, &host::rejected};
     (this->*input_->oneOf(calls))();
   }
 
@@ -174,6 +199,33 @@ class host {
       demand(
           vo_table_reader_error_string(reader_, i - 1) < vo_table_reader_error_string(reader_, i),
           "errors out of order");
+  }
+
+  // A whole column has the values that are asked for one by one, here to their first NUL.
+  void column() {
+    const std::uint64_t index = anyIndex(vo_table_reader_field_count(reader_));
+    const ownedList list(vo_text_list_create());
+    demand(vo_table_reader_column_u8(reader_, index, list.get()), "a column is refused");
+    const std::vector<std::string> texts = textsOf(list.get());
+    const bool isThere = index < vo_table_reader_field_count(reader_);
+    demand(texts.size() == (isThere ? vo_table_reader_count(reader_) : 0),
+           "the length of a column");
+    for (std::size_t row = 0; row < texts.size(); row += 1 + texts.size() / 16) {
+      receivedStrings value;
+      vo_table_reader_value_index(reader_, index, row, value);
+      demand(value.all.front() == fuzzing::wideText(texts[row].c_str()), "a value of a column");
+    }
+    demand(vo_table_reader_column_u16(reader_, index, list.get()), "a column in UTF-16 is refused");
+    demand(vo_text_list_count(list.get()) == texts.size(), "the length of a column in UTF-16");
+    demand(vo_text_list_data_u8(list.get()) == nullptr, "UTF-16 as UTF-8");
+  }
+  void rejected() {
+    const unsigned most = input_->byte();
+    const ownedList list(vo_text_list_create());
+    const bool isRead = vo_table_reader_rejected_u8(reader_, most, list.get());
+    const std::vector<std::string> texts = textsOf(list.get());
+    demand(texts.size() <= most, "too many rejected lines");
+    demand(isRead || texts.empty(), "rejected lines in spite of a failure");
   }
 
   inputReader* input_;
