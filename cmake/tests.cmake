@@ -26,13 +26,14 @@ file(GLOB test_sources CONFIGURE_DEPENDS
   tests/reference/*.cpp
   tests/support/*.cpp
   tests/support/${vok_system}/*.cpp)
+list(REMOVE_ITEM test_sources ${fuzz_support})
 add_executable(vok_tests ${test_sources})
 target_compile_definitions(vok_tests PRIVATE
   VOK_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
   VOK_TEST_FIXTURES="${PROJECT_SOURCE_DIR}/tests/fixtures"
   VOK_EXAMPLES="${PROJECT_SOURCE_DIR}/examples"
   VOK_ODBC_TESTS="${PROJECT_BINARY_DIR}/odbc_tests")
-target_link_libraries(vok_tests PRIVATE vok_table_rw_vc_static vok_converter_parts ZLIB::ZLIB gtest_main)
+target_link_libraries(vok_tests PRIVATE vok_fuzz_targets gtest_main)
 vok_options(vok_tests)
 target_compile_options(vok_tests PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O1>
   ${vok_less_debug_information})

@@ -1,53 +1,29 @@
-// Feeds arbitrary bytes to the Petrel reader and checks what holds for every input: it is read, has no more
-// rows and fields than the file has bytes, and a limit gives the first rows of the same table.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-#include <vector>
-
-#include "platform/environment.h"
-#include "platform/files.h"
-#include "table_rw/core/tableReader.h"
-
-namespace {
-
-constexpr std::size_t mostBytes = 64 * 1024;
-
-void demand(bool holds) {
-  if (!holds) std::abort();
-}
-
-std::vector<std::vector<std::wstring>> rowsOf(const tableRW::tableReader& reader) {
-  std::vector<std::vector<std::wstring>> rows(reader.count());
-  for (std::size_t i = 0; i < rows.size(); ++i) reader.getRow(i, rows[i]);
-  return rows;
-}
-
-}  // namespace
+// The Petrel reader: it gives what its slow twin gives, whole, with a limit, and the header alone.
+#include "fuzz/fuzzing.h"
+#include "fuzz/targets.h"
+#include "table_rw/readers/tableReader_petrel.h"
+#include "tests/reference/petrelTwin.h"
 
 // The first byte is the limit of a second read.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size < 1 || size > mostBytes) return 0;
-  const std::wstring path = platform::temporaryFolder() + L"petrel_fuzz_" +
-                            std::to_wstring(platform::currentThreadId()) + L".tops";
-  {
-    platform::binaryFile file;
-    if (!file.openForWriting(path) || !file.write(data + 1, size - 1) || !file.close()) return 0;
-  }
-  tableRW::tableReaderOptions options(path);
-  options.file_type = tableRW::fileTypePetrel;
-  tableRW::tableReader* const reader = tableRW::tableReader::open(options);
-  demand(reader->read() && reader->isOK());
-  demand(reader->count() <= size && reader->fieldCount() <= size && reader->errorCount() == 0);
-  std::vector<std::vector<std::wstring>> all = rowsOf(*reader);
-  demand(reader->readDemo(data[0]));
-  const std::size_t limit = data[0] == 0 ? 1 : data[0];
-  if (all.size() > limit) all.resize(limit);
-  demand(rowsOf(*reader) == all);
+std::string fuzzing::petrel(std::string_view bytes) {
+  inputReader input(bytes);
+  const auto limit = static_cast<std::int32_t>(input.byte());
+  const std::wstring path = writeInput(L"input.tops", input.rest());
+  tableRW::tableReader_petrel reader{tableRW::tableReaderOptions(path)};
+  const auto expectTwin = [&](const testSupport::tableContent& twin, const char* what) {
+    const testSupport::tableContent content = testSupport::contentOf(reader);
+    demand(content == twin, what + (": library " + testSupport::describe(content)) + "\ntwin " +
+                                testSupport::describe(twin));
+  };
+  demand(reader.read(), "the read fails");
+  expectTwin(reference::readPetrel(input.rest()), "read");
+  const std::string outcome = outcomeOf(reader);
+  demand(reader.readDemo(limit), "the limited read fails");
+  expectTwin(reference::readPetrel(input.rest(), limit), "readDemo");
+  demand(reader.readOnlyHeaders(), "the headers fail");
+  expectTwin(reference::readPetrel(input.rest(), -1, true), "readOnlyHeaders");
   std::vector<std::wstring> tables;
-  reader->tableList(tables);
-  demand(tables.size() == 1);
-  tableRW::tableReader::close(reader);
-  return 0;
+  reader.tableList(tables);
+  demand(tables.size() == 1, "not one table");
+  return outcome;
 }

@@ -19,17 +19,48 @@ constexpr std::size_t miniSectorSize = 64;
 constexpr std::uint8_t typeStream = 2;
 constexpr std::uint8_t typeRoot = 5;
 
+// Sectors of one stream, and how many bytes they hold: the last one may be cut short.
+struct sectorChain {
+  std::vector<std::uint32_t> sectors;
+  std::uint64_t size = 0;
+};
+
+// Where sectors stand in a source.
+struct sectorSpace {
+  std::size_t sectorSize;
+  std::uint64_t size;  // of all sectors together
+};
+
+// A chain ends where it comes to one of its sectors again, where it leads out of the source, and behind a sector that
+// is cut short: what followed that would move to another place in the stream.
+sectorChain chainOf(std::uint32_t first, const std::vector<std::uint32_t>& table,
+                    const sectorSpace& space) {
+  sectorChain chain;
+  std::vector<bool> isSeen(table.size());
+  for (std::uint32_t sector = first; sector < table.size() && !isSeen[sector];
+       sector = table[sector]) {
+    const std::uint64_t begin = sector * std::uint64_t{space.sectorSize};
+    if (begin >= space.size) break;
+    isSeen[sector] = true;
+    chain.sectors.push_back(sector);
+    const std::uint64_t size = std::min<std::uint64_t>(space.sectorSize, space.size - begin);
+    chain.size += size;
+    if (size < space.sectorSize) break;
+  }
+  return chain;
+}
+
 // Sectors of a source, one behind the other.
 class chainedStream final : public byteStream {
  public:
-  chainedStream(byteStream& source, std::uint64_t base, std::size_t sectorSize,
-                std::vector<std::uint32_t> sectors, std::uint64_t size)
+  chainedStream(byteStream& source, std::uint64_t base, std::size_t sectorSize, sectorChain chain,
+                std::uint64_t size)
       : source_(&source),
         base_(base),
         sectorSize_(sectorSize),
-        sectors_(std::move(sectors)),
+        sectors_(std::move(chain.sectors)),
         stated_(size),
-        size_(std::min<std::uint64_t>(size, sectors_.size() * std::uint64_t{sectorSize})) {}
+        size_(std::min(size, chain.size)) {}
 
   std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t size) override {
     if (offset >= size_) return 0;
@@ -68,9 +99,9 @@ class chainedStream final : public byteStream {
 // The same over a file, which has no stream of its own to refer to.
 class fileChain final : public byteStream {
  public:
-  fileChain(platform::binaryFile& file, std::size_t sectorSize, std::vector<std::uint32_t> sectors,
+  fileChain(platform::binaryFile& file, std::size_t sectorSize, sectorChain chain,
             std::uint64_t size)
-      : source_(file), chain_(source_, sectorSize, sectorSize, std::move(sectors), size) {}
+      : source_(file), chain_(source_, sectorSize, sectorSize, std::move(chain), size) {}
   std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t size) override {
     return chain_.readAt(offset, buffer, size);
   }
@@ -115,16 +146,19 @@ bool compoundFile::open(platform::binaryFile& file, std::string& problem) {
   if (sectorShift != 9 && sectorShift != 12) return false;
   sectorSize_ = std::size_t{1} << sectorShift;
   // FORMAT: sector n begins at (n + 1) sectors.
-  sectorCount_ = (file.size() + sectorSize_ - 1) / sectorSize_ - 1;
+  sectorBytes_ = file.size() - std::min<std::uint64_t>(file.size(), sectorSize_);
+  sectorCount_ = (sectorBytes_ + sectorSize_ - 1) / sectorSize_;
   miniCutoff_ = read32(header + 56);
   if (!readTable(header)) return false;
   readDirectory(read32(header + 48));
   const auto root = std::find_if(entries_.begin(), entries_.end(),
                                  [](const entry& each) { return each.type == typeRoot; });
   if (root == entries_.end()) return false;
-  miniStream_ = streamOfSectors(root->start, root->size);
+  sectorChain ofRoot = chainOf(root->start, table_, {sectorSize_, sectorBytes_});
+  miniBytes_ = std::min(root->size, ofRoot.size);
+  miniStream_ = std::make_unique<fileChain>(*file_, sectorSize_, std::move(ofRoot), root->size);
   std::vector<unsigned char> sector;
-  for (const std::uint32_t number : chain(read32(header + 60), table_)) {
+  for (const std::uint32_t number : sectorsOf(read32(header + 60))) {
     if (!readSector(number, sector)) break;
     for (std::size_t at = 0; at < sectorSize_; at += 4) miniTable_.push_back(read32(&sector[at]));
   }
@@ -164,23 +198,13 @@ bool compoundFile::readTable(const unsigned char* header) {
   return !table_.empty();
 }
 
-std::vector<std::uint32_t> compoundFile::chain(std::uint32_t first,
-                                               const std::vector<std::uint32_t>& table) const {
-  std::vector<std::uint32_t> sectors;
-  // A chain that is longer than its table visits a sector twice.
-  for (std::uint32_t sector = first; sector < table.size() && sectors.size() <= table.size();
-       sector = table[sector])
-    sectors.push_back(sector);
-  return sectors;
-}
-
-std::unique_ptr<byteStream> compoundFile::streamOfSectors(std::uint32_t first, std::uint64_t size) {
-  return std::make_unique<fileChain>(*file_, sectorSize_, chain(first, table_), size);
+std::vector<std::uint32_t> compoundFile::sectorsOf(std::uint32_t first) const {
+  return chainOf(first, table_, {sectorSize_, sectorBytes_}).sectors;
 }
 
 void compoundFile::readDirectory(std::uint32_t first) {
   std::vector<unsigned char> bytes;
-  for (const std::uint32_t sector : chain(first, table_)) {
+  for (const std::uint32_t sector : sectorsOf(first)) {
     if (!readSector(sector, bytes)) break;
     for (std::size_t at = 0; at < sectorSize_; at += directoryEntrySize) {
       const unsigned char* const item = &bytes[at];
@@ -197,9 +221,12 @@ void compoundFile::readDirectory(std::uint32_t first) {
 std::unique_ptr<byteStream> compoundFile::stream(std::string_view name) {
   for (const entry& each : entries_) {
     if (each.type != typeStream || !equalNames(each.name, name)) continue;
-    if (each.size >= miniCutoff_) return streamOfSectors(each.start, each.size);
-    return std::make_unique<chainedStream>(*miniStream_, 0, miniSectorSize,
-                                           chain(each.start, miniTable_), each.size);
+    if (each.size >= miniCutoff_)
+      return std::make_unique<fileChain>(
+          *file_, sectorSize_, chainOf(each.start, table_, {sectorSize_, sectorBytes_}), each.size);
+    return std::make_unique<chainedStream>(
+        *miniStream_, 0, miniSectorSize,
+        chainOf(each.start, miniTable_, {miniSectorSize, miniBytes_}), each.size);
   }
   return nullptr;
 }

@@ -7,8 +7,8 @@
 //     mini stream  holds the streams below 4096 bytes in sectors of 64, with a FAT of its own
 //
 // Streams are found by name without regard to ASCII letter case, over all entries of the directory: some
-// writers leave its tree wrong. A chain of sectors that loops, or leads out of the file, ends there; the
-// stream is as long as its chain, whatever its entry says. Memory: the FAT, four bytes a sector.
+// writers leave its tree wrong. A chain of sectors that loops, or leads out of the file, ends there, and behind
+// a sector that is cut short; the stream is as long as its chain, whatever its entry says. Memory: the FAT, four bytes a sector.
 //
 // FORMAT: the last sector may be cut short, and the file's length need not be a multiple of a sector.
 // One object belongs to one thread at a time.
@@ -46,9 +46,7 @@ class compoundFile {
     std::uint64_t size = 0;
   };
 
-  std::vector<std::uint32_t> chain(std::uint32_t first,
-                                   const std::vector<std::uint32_t>& table) const;
-  std::unique_ptr<byteStream> streamOfSectors(std::uint32_t first, std::uint64_t size);
+  std::vector<std::uint32_t> sectorsOf(std::uint32_t first) const;
   bool readTable(const unsigned char* header);
   void appendTableSector(std::uint32_t sector);
   void readDirectory(std::uint32_t first);
@@ -56,12 +54,14 @@ class compoundFile {
 
   platform::binaryFile* file_ = nullptr;
   std::size_t sectorSize_ = 0;
+  std::uint64_t sectorBytes_ = 0;  // of the file, behind the sector of its header
   std::uint64_t sectorCount_ = 0;
   std::uint32_t miniCutoff_ = 0;
   std::vector<std::uint32_t> table_;
   std::vector<std::uint32_t> miniTable_;
   std::vector<entry> entries_;
   std::unique_ptr<byteStream> miniStream_;
+  std::uint64_t miniBytes_ = 0;
 };
 
 }  // namespace converter

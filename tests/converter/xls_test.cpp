@@ -292,7 +292,7 @@ TEST(xls, refusedFiles) {
   }
 }
 
-// A chain of sectors that comes back to itself ends after as many sectors as there are.
+// A chain of sectors that comes back to itself ends there.
 TEST(xls, sectorChainsThatLoop) {
   std::string cells;
   for (unsigned row = 0; row < 600; ++row) cells += number(row, 0, row);

@@ -2,165 +2,26 @@
 // must be the same.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
 
-#include "converter/workbook/xlsxSheet.h"
-#include "converter/workbook/xlsxStrings.h"
+#include "tests/reference/xmlTwin.h"
 
 namespace {
 
 using namespace std::string_literals;
 
-/// A document in pieces, whose sizes repeat.
-class pieces final : public converter::xmlSource {
- public:
-  pieces(std::string document, std::vector<std::size_t> sizes)
-      : document_(std::move(document)), sizes_(std::move(sizes)) {}
-
-  std::ptrdiff_t read(void* buffer, std::size_t size, std::string&) override {
-    const std::size_t count =
-        std::min({size, sizes_[next_++ % sizes_.size()], document_.size() - at_});
-    document_.copy(static_cast<char*>(buffer), count, at_);
-    at_ += count;
-    return static_cast<std::ptrdiff_t>(count);
-  }
-
- private:
-  std::string document_;
-  std::vector<std::size_t> sizes_;
-  std::size_t next_ = 0;
-  std::size_t at_ = 0;
-};
-
-/// The events of something else, which take no shortcut.
-class withoutShortcut final : public converter::xmlEvents {
- public:
-  explicit withoutShortcut(converter::xmlEvents& events) : events_(&events) {}
-  void startElement(const char* name, const converter::xmlAttributes& attributes) override {
-    events_->startElement(name, attributes);
-  }
-  void endElement(const char* name) override { events_->endElement(name); }
-  void text(std::string_view piece) override { events_->text(piece); }
-  std::string stopReason() override { return events_->stopReason(); }
-
- private:
-  converter::xmlEvents* events_;
-};
-
-/// Counts what the shortcut of other events takes.
-class countingShortcut final : public converter::xmlShortcut {
- public:
-  explicit countingShortcut(converter::xmlShortcut& other)
-      : xmlShortcut(other.container(), other.itemEnd()), other_(&other) {}
-  std::size_t take(std::string_view bytes, std::size_t& lines) override {
-    const std::size_t size = other_->take(bytes, lines);
-    taken += size;
-    return size;
-  }
-  std::size_t taken = 0;
-
- private:
-  converter::xmlShortcut* other_;
-};
-
-class withCount final : public converter::xmlEvents {
- public:
-  explicit withCount(converter::xmlEvents& events)
-      : events_(&events), shortcut_(*events.shortcut()) {}
-  void startElement(const char* name, const converter::xmlAttributes& attributes) override {
-    events_->startElement(name, attributes);
-  }
-  void endElement(const char* name) override { events_->endElement(name); }
-  void text(std::string_view piece) override { events_->text(piece); }
-  std::string stopReason() override { return events_->stopReason(); }
-  converter::xmlShortcut* shortcut() override { return &shortcut_; }
-  std::size_t taken() const { return shortcut_.taken; }
-
- private:
-  converter::xmlEvents* events_;
-  countingShortcut shortcut_;
-};
-
-class cellList final : public converter::sheetReceiver {
- public:
-  void cell(std::uint32_t row, std::uint32_t column, std::string_view text) override {
-    found += std::to_string(row) + "," + std::to_string(column) + "=" + std::string(text) + "\n";
-  }
-  void mergedCells(const converter::cellRange& range) override {
-    found +=
-        "merged " + std::to_string(range.firstRow) + "," + std::to_string(range.lastColumn) + "\n";
-  }
-  std::string stopReason() override { return {}; }
-  std::string found;
-};
-
-struct outcome {
-  bool isRead = false;
-  std::string found;
-  std::string problem;
-  std::string reasonOfSheet;
-  std::size_t taken = 0;
-};
-
-template <class Events>
-void parse(outcome& result, Events& events, pieces& source, bool isShort) {
-  if (isShort) {
-    withCount counted(events);
-    result.isRead = converter::parseXml(source, counted, result.problem);
-    result.taken = counted.taken();
-  } else {
-    withoutShortcut whole(events);
-    result.isRead = converter::parseXml(source, whole, result.problem);
-  }
-  result.reasonOfSheet = events.stopReason();
-}
-
-outcome readSheet(const std::string& document, const std::vector<std::size_t>& sizes,
-                  bool isShort) {
-  converter::xlsxContext context('$');
-  for (const char* const text : {"ноль", "one", "", "three"}) context.sharedStrings.add(text);
-  for (const unsigned format : {0u, 14u, 22u}) context.formats.addStyle(format);
-  context.formats.resolve();
-  cellList cells;
-  converter::xlsxSheetEvents events(context, cells);
-  pieces source(document, sizes);
-  outcome result;
-  parse(result, events, source, isShort);
-  result.found = cells.found;
-  return result;
-}
-
-outcome readStrings(const std::string& document, const std::vector<std::size_t>& sizes,
-                    bool isShort) {
-  converter::textPool pool;
-  const converter::lineText replacements('$');
-  converter::xlsxStringEvents events(pool, replacements, 0);
-  pieces source(document, sizes);
-  outcome result;
-  parse(result, events, source, isShort);
-  for (std::size_t i = 0; i < pool.size(); ++i) result.found += std::string(pool.get(i)) + "\n";
-  return result;
-}
-
-using reading = outcome (*)(const std::string&, const std::vector<std::size_t>&, bool);
+using reading = reference::xmlOutcome (*)(const std::string&, const std::vector<std::size_t>&,
+                                          bool);
 
 /// @return what the shortcut took
 std::size_t expectSame(reading read, const std::string& document,
                        const std::vector<std::size_t>& sizes) {
-  const outcome whole = read(document, sizes, false);
-  const outcome quick = read(document, sizes, true);
-  EXPECT_EQ(quick.isRead, whole.isRead) << document << quick.problem << whole.problem;
-  EXPECT_EQ(quick.problem.empty(), whole.problem.empty()) << document;
-  if (whole.isRead) {
-    EXPECT_EQ(quick.found, whole.found) << document;
-    EXPECT_EQ(quick.reasonOfSheet, whole.reasonOfSheet) << document;
-  } else if (whole.reasonOfSheet.empty() && quick.reasonOfSheet.empty()) {
-    EXPECT_EQ(quick.problem, whole.problem) << document;  // the line's number included
-  }
+  const reference::xmlOutcome whole = read(document, sizes, false);
+  const reference::xmlOutcome quick = read(document, sizes, true);
+  EXPECT_EQ(reference::difference(whole, quick), "") << document;
   return quick.taken;
 }
 
@@ -327,7 +188,7 @@ TEST(xmlShortcut, everySheetIsReadAsTheParserReadsIt) {
   std::size_t size = 0;
   for (int i = 0; i < 20000 && !HasFailure(); ++i) {
     const std::string document = maker.sheet();
-    taken += expectSame(readSheet, document, maker.sizes());
+    taken += expectSame(reference::readSheetXml, document, maker.sizes());
     size += document.size();
   }
   EXPECT_GT(taken, size / 20);  // it is the shortcut that was tried
@@ -339,7 +200,7 @@ TEST(xmlShortcut, everyListOfStringsIsReadAsTheParserReadsIt) {
   std::size_t size = 0;
   for (int i = 0; i < 20000 && !HasFailure(); ++i) {
     const std::string document = maker.strings();
-    taken += expectSame(readStrings, document, maker.sizes());
+    taken += expectSame(reference::readStringsXml, document, maker.sizes());
     size += document.size();
   }
   EXPECT_GT(taken, size / 20);
@@ -377,8 +238,9 @@ TEST(xmlShortcut, whatItTakes) {
     SCOPED_TRACE(each.name);
     const std::string begin = "<worksheet xmlns:x=\"y\"><sheetData>";
     const std::string row = each.row;
-    const std::size_t taken = expectSame(readSheet, begin + row + row + "</sheetData></worksheet>",
-                                         {begin.size(), row.size(), 1000});
+    const std::size_t taken =
+        expectSame(reference::readSheetXml, begin + row + row + "</sheetData></worksheet>",
+                   {begin.size(), row.size(), 1000});
     EXPECT_EQ(taken, each.isTaken ? 2 * row.size() : 0u);
   }
 }
