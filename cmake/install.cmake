@@ -3,7 +3,7 @@
 #   library      libvok_table_rw_vc.so.1 or vok_table_rw_vc.dll
 #   development  public headers, the bindings, the linker's name of the library or the import library, and what
 #                find_package(vok_table_rw) and pkg-config read; all of it works wherever the folder is moved
-#   tool         vok_table
+#   tool         vok_table, its manual page and completions
 #   converter    vok_xls2csv.exe, which belongs beside the programs that use the library
 
 include(GNUInstallDirs)
@@ -13,6 +13,27 @@ include(CMakePackageConfigHelpers)
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR}
   OUTPUT_VARIABLE vok_libdir_from_bindir)
 set_target_properties(vok_table PROPERTIES INSTALL_RPATH "$ORIGIN;$ORIGIN/${vok_libdir_from_bindir}")
+
+# The manual page and the completions are what the tool itself prints. A cross-built tool cannot print them
+# here; users of it ask for them with `vok_table completion powershell`.
+if(NOT CMAKE_CROSSCOMPILING)
+  set(vok_texts ${PROJECT_BINARY_DIR}/tool_texts)
+  set(vok_text_commands)
+  foreach(text IN ITEMS "vok_table.1:manual" "vok_table:completion bash" "_vok_table:completion zsh"
+      "vok_table.fish:completion fish")
+    string(REGEX REPLACE ":.*" "" file "${text}")
+    string(REGEX REPLACE ".*:" "" arguments "${text}")
+    separate_arguments(arguments)
+    list(APPEND vok_text_commands COMMAND $<TARGET_FILE:vok_table> ${arguments} > ${vok_texts}/${file})
+  endforeach()
+  file(MAKE_DIRECTORY ${vok_texts})
+  add_custom_command(TARGET vok_table POST_BUILD ${vok_text_commands} VERBATIM)
+  install(FILES ${vok_texts}/vok_table.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
+  install(FILES ${vok_texts}/vok_table DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tool)
+  install(FILES ${vok_texts}/_vok_table DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tool)
+  install(FILES ${vok_texts}/vok_table.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+    COMPONENT tool)
+endif()
 
 set(vok_include_folder ${CMAKE_INSTALL_INCLUDEDIR}/vok_table_rw_vc)
 set(vok_cmake_folder ${CMAKE_INSTALL_LIBDIR}/cmake/vok_table_rw)

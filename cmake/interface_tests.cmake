@@ -77,7 +77,7 @@ if(VOK_SUITE STREQUAL "own")
       --nm ${CMAKE_NM} --objdump ${CMAKE_OBJDUMP} $<TARGET_FILE:vok_table_rw_vc>)
 endif()
 
-# --- what one target shows for both: a host without a C compiler, generated tables, the layering ---
+# --- what one target shows for both: a host without a C compiler, generated tables, the layering, the pages ---
 if(NOT WIN32)
   add_test(NAME interface.use_from_python
     COMMAND ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/interface/use_from_python.py
@@ -87,6 +87,12 @@ if(NOT WIN32)
   set(check_layers ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/interface/check_layers.py)
   add_test(NAME interface.layers COMMAND ${check_layers} ${PROJECT_SOURCE_DIR})
   add_test(NAME interface.layers_self_test COMMAND ${check_layers} --self-test)
+  set(check_behaviours ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/interface/check_behaviours.py)
+  add_test(NAME interface.behaviours COMMAND ${check_behaviours} ${PROJECT_SOURCE_DIR})
+  add_test(NAME interface.behaviours_self_test COMMAND ${check_behaviours} --self-test)
+  set(check_links ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/interface/check_links.py)
+  add_test(NAME interface.links COMMAND ${check_links} ${PROJECT_SOURCE_DIR} $<TARGET_FILE:vok_table>)
+  add_test(NAME interface.links_self_test COMMAND ${check_links} --self-test)
 endif()
 
 # --- installed and used from outside --------------------------------------------------------------

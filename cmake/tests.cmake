@@ -38,6 +38,10 @@ vok_options(vok_tests)
 target_compile_options(vok_tests PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O1>
   ${vok_less_debug_information})
 
+# What every test includes is parsed once: a third of the time that a full run spends compiling.
+target_precompile_headers(vok_tests PRIVATE
+  <gtest/gtest.h> <algorithm> <array> <cstdint> <functional> <memory> <random> <string> <string_view> <vector>)
+
 # A child program for the tests of process.h: it prints the arguments that it was given.
 add_executable(echo_arguments tests/platform/echo_arguments.cpp)
 target_link_libraries(echo_arguments PRIVATE vok_platform)

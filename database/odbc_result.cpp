@@ -5,6 +5,7 @@
 odbc_result::odbc_result(Ivo_sqlite_db* database, odbc_base_type type)
     : database_(database), base_type_(type) {}
 
+// ODD: copies share the statement: programs pass results on.
 odbc_result::odbc_result(const odbc_result& other) = default;
 odbc_result& odbc_result::operator=(const odbc_result& other) = default;
 odbc_result::~odbc_result() = default;

@@ -44,6 +44,7 @@ Number parsedNumber(const std::wstring& text, bool* ok) {
   return static_cast<Number>(fitting);
 }
 
+// ODD: one more backslash whatever the folder ends in: project files hold such paths.
 std::wstring withSeparator(std::wstring folder) {
   if (!folder.empty()) folder += L'\\';
   return folder;
@@ -75,6 +76,7 @@ std::wstring STRATA_getDBValue(const std::wstring& sql, odbc_database* db) {
   return query.next() ? query->get_as_wstring(0) : std::wstring();
 }
 
+// ODD: 32 bits on both targets, and the nearest number that fits: codes are stored so.
 std::int32_t STRATA_getDBNumValue(const std::wstring& sql, odbc_database* db, bool* ok) {
   return parsedNumber<std::int32_t>(STRATA_getDBValue(sql, db), ok);
 }

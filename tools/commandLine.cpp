@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "tools/commandTable.h"
+#include "tools/nearestName.h"
 #include "tools/text.h"
 #include "tools/version.h"
 
@@ -81,24 +82,73 @@ std::string footer() {
   return filled(outputText, footerWidth) + "\n\n" + filled(codes + ".", footerWidth);
 }
 
-std::string commandNames() {
-  std::string names;
+std::vector<std::string> shownCommands() {
+  std::vector<std::string> names;
   for (const commandEntry& each : allCommands())
-    if (!each.isHidden) names += fmt::format("{}{}", names.empty() ? "" : ", ", each.name);
+    if (!each.isHidden) names.emplace_back(each.name);
   return names;
+}
+
+/// "; perhaps NAME is meant" when one of the names is close.
+std::string perhapsMeant(std::string_view written, const std::vector<std::string>& names) {
+  const std::string nearest = nearestName(written, names);
+  return nearest.empty() ? std::string() : fmt::format("; perhaps {} is meant", nearest);
+}
+
+bool isOption(std::string_view word) { return word.size() > 1 && word.front() == '-'; }
+
+/// CLI11 lists what it did not expect backwards, the values of unknown options among it.
+std::string unexpectedProblem(const CLI::App& command) {
+  const std::vector<std::string> words = command.remaining();
+  if (words.empty()) return "something on the line is not understood";
+  const auto option = std::find_if(words.begin(), words.end(), isOption);
+  if (option == words.end())
+    return fmt::format("{} has no use for {}; a name with blanks needs quotes", command.get_name(),
+                       inQuotes(words.front()));
+  const std::string written = option->substr(0, option->find('='));
+  std::vector<std::string> names;
+  if (const commandEntry* const entry = findCommand(command.get_name()))
+    for (const optionEntry* const each : entry->options)
+      for (const std::string& name : namesOf(*each)) names.push_back(name);
+  return fmt::format("{} has no option {}{}", command.get_name(), inQuotes(written),
+                     perhapsMeant(written, names));
+}
+
+/// CLI11 writes "--rows: 1 required N missing" where an option stands without its value.
+std::string missingValueProblem(std::string text) {
+  constexpr std::string_view count = ": 1 required ";
+  constexpr std::string_view end = " missing";
+  const std::size_t at = text.find(count);
+  if (at == std::string::npos || !text.ends_with(end)) return text;
+  text.resize(text.size() - end.size());
+  return text.replace(at, count.size(), " needs a value: ");
 }
 
 /// CLI11 speaks of a missing subcommand whatever stands in its place.
 std::string problemOf(const CLI::App& tool, const CLI::ParseError& error,
                       const std::vector<std::wstring>& arguments) {
-  if (!tool.get_subcommands().empty()) return error.what();
+  if (const auto found = tool.get_subcommands(); !found.empty())
+    return dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr
+               ? unexpectedProblem(*found.front())
+               : missingValueProblem(error.what());
   std::string problem = "a command is missing";
   if (!arguments.empty()) {
-    const bool isOption = arguments.front().starts_with(L"-");
-    problem = (isOption ? "there is no option " : "there is no command ") +
-              inQuotes(toUtf8(arguments.front()));
+    const std::string written = toUtf8(arguments.front());
+    problem = (isOption(written) ? "there is no option " : "there is no command ") +
+              inQuotes(written) + perhapsMeant(written, shownCommands());
   }
-  return problem + "; the commands are " + commandNames();
+  std::string names;
+  for (const std::string& name : shownCommands()) names += (names.empty() ? "" : ", ") + name;
+  return problem + "; the commands are " + names;
+}
+
+/// `help` and `help COMMAND` are what other tools call `--help` and `COMMAND --help`.
+std::vector<std::wstring> withoutHelpCommand(std::vector<std::wstring> arguments) {
+  if (arguments.empty() || arguments.front() != L"help") return arguments;
+  arguments.erase(arguments.begin());
+  arguments.resize(std::min<std::size_t>(arguments.size(), 1));
+  arguments.emplace_back(L"--help");
+  return arguments;
 }
 
 }  // namespace
@@ -108,7 +158,8 @@ bool asksForJson(const std::vector<std::wstring>& arguments) {
   return std::find(arguments.begin(), end, L"--json") != end;
 }
 
-parsedCommandLine parseCommandLine(const std::vector<std::wstring>& arguments) {
+parsedCommandLine parseCommandLine(const std::vector<std::wstring>& written) {
+  const std::vector<std::wstring> arguments = withoutHelpCommand(written);
   parsedCommandLine parsed;
   commandLine request;
   CLI::App tool(std::string(toolText), "vok_table");

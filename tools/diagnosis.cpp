@@ -17,6 +17,7 @@ namespace vokTable {
 namespace {
 
 constexpr std::uint64_t rowsLookedAt = 20;
+constexpr std::size_t bytesLookedAt = 4096;
 constexpr std::size_t blockSize = 256 * 1024;
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr wchar_t mark = static_cast<wchar_t>(byteOrderMark);
@@ -124,12 +125,20 @@ void hintAtDelimiter(tableRW::tableReader& reader, const tableRW::tableReaderOpt
   }
 }
 
+/// Whether the bytes are UTF-8 with some characters beyond ASCII. The last character may be cut by their end.
+bool isUtf8Text(const std::string& bytes) {
+  constexpr std::size_t longestCut = 3;
+  const std::wstring text = toWide(bytes);
+  const std::size_t wrong = std::min(text.find(undecoded), text.size());
+  return wrong + longestCut >= text.size() && bytes.size() > text.size() + longestCut;
+}
+
 void hintAtEncoding(const tableRW::tableReader& reader, const tableRW::tableReaderOptions& options,
                     const messageWriter& messages) {
-  const std::string begin = firstBytes(options.path, utf8Mark.size());
+  const std::string begin = firstBytes(options.path, bytesLookedAt);
   if (begin.starts_with("\xFF\xFE") || begin.starts_with("\xFE\xFF")) {
     messages.hint("the file begins like UTF-16 text, which cannot be read: save it as UTF-8");
-  } else if (begin == utf8Mark && options.encoding != 0) {
+  } else if (options.encoding != 0 && (begin.starts_with(utf8Mark) || isUtf8Text(begin))) {
     messages.hint("the file begins like UTF-8 text: try --encoding UTF-8");
   } else if (hasUndecodedText(reader)) {
     messages.hint(

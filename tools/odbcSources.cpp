@@ -172,10 +172,12 @@ std::string needsOf(odbcKind kind, const odbcMachine& machine) {
         "{} "
         "in odbc.ini is needed then (docs/odbc.md)",
         source);
-  return fmt::format(
-      "install the package odbc-mdbtools; {} is needed, an entry in {} that names libmdbodbc.so "
-      "(docs/odbc.md)",
-      source, kind == odbcKind::drillHoles ? "odbcinst.ini" : "odbc.ini");
+  // The package enters its driver under this name.
+  const bool isInstalled = std::find(machine.drivers.begin(), machine.drivers.end(), "MDBTools") !=
+                           machine.drivers.end();
+  return fmt::format("{}{} is needed, an entry in {} that names libmdbodbc.so (docs/odbc.md)",
+                     isInstalled ? "" : "install the package odbc-mdbtools; ", source,
+                     kind == odbcKind::drillHoles ? "odbcinst.ini" : "odbc.ini");
 }
 
 exitCode checkOdbcSource(const tableRW::tableReaderOptions& options,

@@ -47,13 +47,20 @@ exitCode explainNothingReads(const tableRW::tableReaderOptions& options,
   return exitCode::notAvailable;
 }
 
-/// The tables that the source holds, when the one asked for is none of them.
-void hintAtTables(tableRW::tableReader& reader, const readingArguments& arguments,
-                  const messageWriter& messages) {
+/// The tables that the source holds, when the one asked for is none of them. Of a source that does not open there is
+/// nothing to choose from, unless a table was asked for, which may be what kept it from opening.
+std::vector<std::wstring> tablesInstead(tableRW::tableReader& reader,
+                                        const readingArguments& arguments) {
   std::vector<std::wstring> tables;
+  if (!reader.get_capabilities().offersTables) return tables;
+  if (!arguments.table && !reader.isOK()) return tables;
   reader.tableList(tables);
   const std::wstring wanted = toWide(arguments.table.value_or(""));
-  if (tables.empty() || std::find(tables.begin(), tables.end(), wanted) != tables.end()) return;
+  if (std::find(tables.begin(), tables.end(), wanted) != tables.end()) tables.clear();
+  return tables;
+}
+
+void hintAtTables(const std::vector<std::wstring>& tables, const messageWriter& messages) {
   std::string names;
   for (std::size_t i = 0; i < std::min(tables.size(), tablesNamed); ++i)
     names += (i == 0 ? "" : ", ") + toUtf8(tables[i]);
@@ -123,12 +130,13 @@ bool readSource(tableRW::tableReader& reader, extent wanted, const readingArgume
 void explainFailure(tableRW::tableReader& reader, const readingArguments& arguments,
                     toolContext& context) {
   if (explainUnreadable(reader.path(), context.messages)) return;
-  const std::string table =
-      arguments.table ? fmt::format(", table {}", inQuotes(*arguments.table)) : std::string();
-  context.messages.error(fmt::format(
-      "cannot read {}{}: its content is not what was expected; check the file and the options",
-      arguments.file, table));
-  if (reader.get_capabilities().offersTables) hintAtTables(reader, arguments, context.messages);
+  const std::vector<std::wstring> tables = tablesInstead(reader, arguments);
+  std::string reason = "its content is not what was expected; check the file and the options";
+  if (!tables.empty())
+    reason = arguments.table ? "it holds no table " + inQuotes(*arguments.table)
+                             : std::string("the table to read was not named");
+  context.messages.error(fmt::format("cannot read {}: {}", arguments.file, reason));
+  if (!tables.empty()) hintAtTables(tables, context.messages);
 }
 
 exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& arguments,

@@ -12,6 +12,7 @@ constexpr double fixedFrom = 1e-5;
 constexpr double fixedBelow = 1e16;
 constexpr std::int64_t millisecondsOfDay = 86400000;
 constexpr std::int64_t daysFrom1900To1904 = 1462;
+// ODD: sheets show this day as 1900-02-29 and day 0 as 1900-01-00.
 constexpr std::int64_t falseLeapDay = 60;
 constexpr double daysBehindYear9999 = 2958466;
 constexpr std::size_t digitsThatAlwaysReadBack = 15;

@@ -58,7 +58,8 @@ void vo_table_reader_options_set_direction(vo_table_reader_options* options, int
 }
 
 void vo_table_reader_options_set_file_type(vo_table_reader_options* options, int32_t file_type) {
-  // ODD: the types behind DBF cannot be forced here; hosts rely on an unknown one changing nothing.
+  // ODD: the types behind DBF cannot be forced here, and an unknown one changes nothing, as an unknown direction
+  // does: hosts pass numbers of later versions.
   if (file_type >= tableRW::fileTypeAuto && file_type <= tableRW::fileTypeDbf)
     object(options)->file_type = file_type;
 }

@@ -33,6 +33,7 @@ std::wstring extensionOf(std::wstring_view path) {
                                         : platform::lowerCase(std::wstring(name.substr(dot)));
 }
 
+// ODD: with `\` on every target: project files hold such paths.
 std::wstring joinPath(std::initializer_list<std::wstring_view> parts) {
   std::wstring path;
   for (const std::wstring_view part : parts) {

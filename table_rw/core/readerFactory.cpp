@@ -11,8 +11,8 @@
 namespace tableRW {
 namespace {
 
-// WHY the unsigned comparison and the sum in 32 bits: hosts store positions at the ends of their ranges
-// ("no header", "nothing but the header") and rely on where these two land them.
+// ODD: positions wrap, by the unsigned comparison and the sum in 32 bits: hosts store positions at the ends of
+// their ranges ("no header", "nothing but the header") and rely on where these two land them.
 void normalisePositions(tableReaderOptions& options) {
   const auto header = static_cast<std::uint64_t>(std::int64_t{options.header_position});
   if (options.data_position > header) return;
@@ -40,6 +40,7 @@ bool hasExtension(const readerVariant& variant, const std::wstring& extension) {
   return listed && (variant.usable == nullptr || variant.usable());
 }
 
+// ODD: the marker counts anywhere in the line: exports come under any extension and with words before it.
 bool isMarkedBy(const readerVariant& variant, const std::wstring& firstLine) {
   return variant.firstLineMarker != nullptr &&
          firstLine.find(variant.firstLineMarker) != std::wstring::npos;

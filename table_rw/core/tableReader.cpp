@@ -25,6 +25,7 @@ bool tableReader::isOK() const { return ok_; }
 
 void tableReader::fieldList(std::vector<std::wstring>& out) const { out = fieldNames_; }
 
+// ODD: compared exactly, and the first of equal names wins: files have repeated columns.
 std::int32_t tableReader::fieldNum(std::wstring name) const {
   const auto found = std::find(fieldNames_.begin(), fieldNames_.end(), name);
   return found == fieldNames_.end() ? -1 : static_cast<std::int32_t>(found - fieldNames_.begin());

@@ -102,6 +102,7 @@ void odbcSource::addRow(valueTable& rows) {
     isEmpty = isEmpty && value.empty();
     rows.addValue(std::wstring_view(value));
   }
+  // ODD: databases keep rows free.
   if (isEmpty || vo_odbc_stmt_has_failed(statement_.get()))
     rows.dropRow();
   else

@@ -34,6 +34,7 @@ std::vector<std::wstring> joinQuoted(std::vector<std::wstring> pieces, wchar_t q
   return values;
 }
 
+// ODD: one from each end, and inner ones stay, doubled ones too.
 void stripQuotes(std::wstring& value, wchar_t quote) {
   if (!value.empty() && value.front() == quote) value.erase(0, 1);
   if (!value.empty() && value.back() == quote) value.pop_back();
@@ -61,6 +62,7 @@ bool tableReader_csv::read() {
   return readFile();
 }
 
+// ODD: ignored here and wherever a source holds one table: hosts call it for every source.
 void tableReader_csv::setTable(std::wstring) {}
 
 void tableReader_csv::tableList(std::vector<std::wstring>& list) { list.assign(1, L"csv"); }
@@ -78,6 +80,7 @@ void tableReader_csv::parceString(const std::wstring& line,
 }
 
 bool tableReader_csv::readFile() {
+  // ODD: the results of the read before stay; hosts switch the direction back.
   if (options_.direction != 0) return false;
   fieldNames_.clear();
   rows_.clear();
@@ -112,6 +115,8 @@ bool tableReader_csv::readFile() {
   return true;
 }
 
+// ODD: names keep their blanks, where values lose them: hosts look up names as the file has them.
+// ODD: a byte-order mark stays in the first one: taking it off would be a guess at the encoding.
 void tableReader_csv::nameFields(const std::vector<std::wstring>& names) {
   fieldNames_ = names;
   for (std::size_t i = 0; i < fieldNames_.size(); ++i)

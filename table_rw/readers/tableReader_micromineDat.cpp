@@ -93,6 +93,7 @@ void tableReader_micromineDat::readRecords(vo_mm_tbl_reader* table) {
   for (std::int64_t row = 0; row < count; ++row) {
     const vo_mm_value* const values = vo_mm_tbl_reader_get_values(table, row);
     if (values == nullptr) return;  // the file has become shorter
+    // ODD: a record of empty values is a row too: hosts count records.
     std::size_t size = 0;
     for (std::size_t field = 0; field < fields; ++field) size += values[field].length;
     rows_.addRow(fields, size * valueDecoder::mostBytes, [&](std::size_t field, char* to) {

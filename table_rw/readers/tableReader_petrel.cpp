@@ -85,6 +85,7 @@ void tableReader_petrel::readRows(textFileReader& source) {
   while (!source.file.atEnd()) {
     if (fastWay.addRecords(source.file, rows_)) return;
     if (source.file.atEnd() || !readTextLine(source, line)) return;
+    // ODD: a row is as long as its line, a blank line included: hosts count lines by rows.
     parceString(line, values);
     for (const std::wstring& value : values) rows_.addValue(std::wstring_view(value));
     rows_.endRow();

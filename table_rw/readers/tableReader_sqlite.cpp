@@ -24,6 +24,7 @@ ownedQuery makeQuery(odbc_database& database, const std::wstring& sql) {
   return ownedQuery(database.get_query(sql), queryCloser{&database});
 }
 
+// ODD: a quote in a name is not doubled; such a table has fields alone.
 std::wstring columnList(const std::vector<std::wstring>& names) {
   std::wstring list;
   for (const std::wstring& name : names) {
@@ -78,6 +79,7 @@ bool tableReader_sqlite::read() {
   rows_.clear();
   namesAreWhole_ = true;
   if (!ok_ || !readFields()) return false;
+  // ODD: of a missing table too, without fields: hosts ask for the fields first.
   if (headersOnly_) return true;
   return !fieldNames_.empty() && readRows();
 }
@@ -89,6 +91,7 @@ bool tableReader_sqlite::readFields() {
     fieldNames_.push_back(query->get_as_wstring(nameColumn));
     namesAreWhole_ = namesAreWhole_ && isValidUtf8(query->get_as_utf8(nameColumn));
     const std::wstring type = query->get_as_wstring(typeColumn);
+    // ODD: in these letters alone, and no other name of a number: schemas mark numbers so.
     fieldTypes_.push_back(type == L"INTEGER" || type == L"FLOAT" ? fldNumber : fldText);
   }
   return !query->has_failed();

@@ -43,7 +43,8 @@ bool tableReader_xlsODBC::read() {
   return OptionRead();
 }
 
-// ODD: exactly these letters; and a path without a dot lies outside of itself.
+// ODD: exactly these letters.
+// ODD: a path without a dot lies outside of itself.
 std::string tableReader_xlsODBC::getExtName() const {
   const std::wstring extension = options_.path.substr(options_.path.rfind(L'.'));
   if (extension == L".xls" || extension == L".xlsx") return std::string(excel);
@@ -90,6 +91,7 @@ bool tableReader_xlsODBC::OptionRead() {
 bool tableReader_xlsODBC::readHeader(odbcSource& source, const std::string& kind) {
   if (kind != access && kind != excel) return true;
   const bool isSheet = kind == excel;
+  // ODD: rows without fields; hosts name the fields themselves.
   if (isSheet && options_.header_position > 0)
     return skipRows(source, static_cast<std::uint64_t>(options_.header_position));
   const bool hasNames = !isSheet || options_.header_position == 0;

@@ -12,7 +12,8 @@
 // quotes. Converters in use take them so.
 // ODD: `readOnlyHeaders` sets the header position to 0 for all later reads: the converter writes the header
 // row first then, and hosts set the position again before they read on.
-// ODD: `readDemo` reads every row, and the field types stay as they were.
+// ODD: `readDemo` reads every row. Hosts show their preview from it and keep the reader.
+// ODD: the field types stay as they were. Hosts take every field for text.
 //
 // Two readers of files of one name share the text files and must not run at the same time.
 #ifndef VOK_TABLE_RW_READERS_TABLEREADER_XLSOLE_H

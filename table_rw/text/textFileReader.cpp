@@ -30,6 +30,7 @@ struct chunk {
   bool endsLine() const { return size > 0 && bytes[size - 1] == '\n'; }
 };
 
+// ODD: one CR alone: of CR CR LF the first stays.
 void removeLineEnd(std::wstring& line) {
   if (!line.empty() && line.back() == L'\n') line.pop_back();
   if (!line.empty() && line.back() == L'\r') line.pop_back();

@@ -8,6 +8,7 @@ namespace {
 constexpr std::size_t outputBufferSize = std::size_t{256} * 1024;
 constexpr char carriageReturn = '\r';
 constexpr char lineFeed = '\n';
+// ODD: it ends the file: DOS programs padded files behind it.
 constexpr char controlZ = '\x1A';
 
 // Folds CR LF into LF in place. A CR at the very end stays: the caller knows whether more follows.

@@ -41,6 +41,21 @@ def files_below(folder):
                   for where, _, names in os.walk(folder) for name in names)
 
 
+def snippets_of(page, language):
+    with open(os.path.join(GIVEN.source, page), encoding="utf-8") as file:
+        return [block.split("\n", 1)[1] for block in file.read().split("```")[1::2]
+                if block.split("\n", 1)[0] == language]
+
+
+def as_program(snippet):
+    """Statements in C++ with their includes, as a program that has the two functions of a host."""
+    lines = snippet.split("\n")
+    includes = [line for line in lines if line.startswith("#include")] + ["#include <cstdio>"]
+    host = ['template <class... T> void use(const T&...) { std::puts("use"); }',
+            'template <class... T> void report(const T&...) { std::puts("report"); }', "int main() {"]
+    return "\n".join(includes + host + [line for line in lines if not line.startswith("#include")] + ["}", ""])
+
+
 class InstallTest(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.mkdtemp(prefix="vok install ")  # the blank is on purpose
@@ -114,6 +129,33 @@ class Folder(InstallTest):
         self.check_pkg_config(glob.glob(os.path.join(prefix, "lib*", "**", "pkgconfig"), recursive=True)[0],
                               self.library_folder(prefix))
 
+    def test_snippets_of_the_readme(self):
+        """The C and C++ of README.md compile as they stand, but for what a host does with values."""
+        if is_windows() or shutil.which("pkg-config") is None:
+            self.skipTest("pkg-config is not installed, or not for this target")
+        prefix = self.install()
+        environment = dict(os.environ, LD_LIBRARY_PATH=self.library_folder(prefix), LC_ALL="C.UTF-8",
+                           PKG_CONFIG_PATH=glob.glob(os.path.join(prefix, "lib*", "**", "pkgconfig"), recursive=True)[0])
+        examples = os.path.join(GIVEN.source, "examples")
+        shutil.copy(os.path.join(examples, "wells_cp1251.csv"), self.path("wells.csv"))
+        shutil.copy(os.path.join(examples, "project.well2"), self.path("project.well2"))
+        flags = run("pkg-config", "--cflags", "--libs", "vok_table_rw", env=environment).strip()
+        printed = {}
+        for language, count, compiler in (("cpp", 3, "c++ -std=c++20"), ("c", 1, "cc -std=c99")):
+            snippets = snippets_of("README.md", language)
+            self.assertEqual(len(snippets), count)
+            for number, snippet in enumerate(snippets):
+                name = f"snippet{number}.{language}"
+                with open(self.path(name), "w", encoding="utf-8") as file:
+                    file.write(snippet if language == "c" else as_program(snippet))
+                run("sh", "-c", f"{compiler} {name} -o program {flags}", cwd=self.folder)
+                printed[name] = run(self.path("program"), cwd=self.folder, env=environment)
+        self.assertEqual(printed, {"snippet0.cpp": "use\n" * 5 + "report\n", "snippet1.cpp": "",
+                                   "snippet2.cpp": "use\n" * 5,
+                                   "snippet0.c": "Н-15\nН-16\nН-17\nН-21\nН-22\n"})
+        with open(self.path("out.csv"), "rb") as file:
+            self.assertEqual(file.read(), b"WELL;DEPTH\r\n101;2860.00\r\n")
+
     def test_programs(self):
         if is_windows():
             self.skipTest("the ZIP shows it")
@@ -162,6 +204,8 @@ class DebianPackages(InstallTest):
                      "share/vok_table_rw_vc/bindings/csharp/VokTableRw.cs",
                      "share/vok_table_rw_vc/bindings/python/vok_table_rw/__init__.py"):
             self.assertIn(name, installed)
+        with open(os.path.join(usr, "share", "man", "man1", "vok_table.1"), encoding="utf-8") as file:
+            self.assertIn(".TH", file.read())
         library = os.path.dirname(glob.glob(os.path.join(usr, "lib", "**", "*.so.1"), recursive=True)[0])
         self.check_cmake(usr, library)
         self.check_pkg_config(glob.glob(os.path.join(usr, "lib", "**", "pkgconfig"), recursive=True)[0], library)

@@ -63,11 +63,12 @@ std::string randomRecord(randomNumbers& random, std::size_t size) {
 }
 
 TEST(micromineTwin, agreesOnRandomFiles) {
+  // WHY no UTF-8: of broken sequences Wine's converter, which the twin uses, makes other text than Windows'.
   static constexpr std::pair<std::string_view, unsigned> pages[] = {
-      {"ibm-5347_P100-1998", 1251 },
-      {"windows-1252",       1252 },
-      {"UTF-8",              65001},
-      {"ibm-866_P100-1995",  866  }
+      {"ibm-5347_P100-1998", 1251},
+      {"windows-1252",       1252},
+      {"ibm-5346_P100-1998", 1250},
+      {"ibm-866_P100-1995",  866 }
   };
   static constexpr std::string_view descriptions[] = {"", "TENLETTERS and more", "TENLETTERS",
                                                       "\xC6 a text \xFF", " TENLETTERSX "};

@@ -3,6 +3,7 @@
 import csv
 import os
 import shlex
+import shutil
 import sys
 
 sys.dont_write_bytecode = True
@@ -67,10 +68,15 @@ class Examples(CaseTest):
         for name, options, hint in (
                 ("wells_cp1251.csv", [], "try another --encoding"),
                 ("drillholes_cp866.csv", [], "try another --encoding"),
+                ("wells.csv", ["--encoding", "CP1251"], "try --encoding UTF-8"),
                 ("assays_tab.txt", [], "try --delimiter tab"),
                 ("assays_tab.txt", ["--delimiter", "tab"], "line 5 has 7 values and the header in line 1"),
                 ("survey_quoted.csv", [], "try --delimiter ,")):
             self.assertIn(hint, run_tool("count", example(name), *options).err)
+
+    def test_right_encodings_are_not_questioned(self):
+        for name, encoding in (("wells_cp1251.csv", "CP1251"), ("drillholes_cp866.csv", "CP866"), ("wells.csv", "UTF-8")):
+            self.assertNotIn("hint:", run_tool("count", example(name), "--encoding", encoding).err)
 
     def test_commands_of_the_readme(self):
         with open(example("README.md"), encoding="utf-8") as file:
@@ -81,6 +87,21 @@ class Examples(CaseTest):
             self.assertIn(run.code, (0, 1), run.err)
             self.assertNotIn("hint:", run.err)
             self.assertGreater(len(run.out.splitlines()), 3)
+
+    def test_commands_of_the_projects_readme(self):
+        """In their order and in one folder: some read what others have written."""
+        with open(os.path.join(Settings.source, "README.md"), encoding="utf-8") as file:
+            chapter = file.read().split("## From the command line\n")[1]
+        commands = [line.split("  #")[0] for line in chapter.split("```")[1].split("\n") if line]
+        self.assertGreater(len(commands), 15)
+        shutil.copytree(os.path.join(Settings.source, "examples"), self.path("examples"))
+        os.mkdir(self.path("build"))
+        for command in commands:
+            run = run_tool(*shlex.split(command)[1:], cwd=self.folder)
+            self.assertIn(run.code, (0, 1), command + "\n" + run.err)
+            self.assertNotIn("hint:", run.err, command)
+        self.assertEqual(sorted(os.listdir(self.path("build"))),
+                         ["bad.csv", "samples.csv", "tables", "wells.csv", "wells.dbf", "wells.xlsx"])
 
 
 if __name__ == "__main__":

@@ -105,6 +105,7 @@ class Micromine(PackageCase):
             run = run_tool("cat", "cut.micromine", cwd=self.folder)
             self.assertEqual((run.code, run.out), (3, b""), size)
             self.assertIn("cannot read cut.micromine", run.err)
+            self.assertNotIn("--table", run.err)
 
     def test_chosen_by_type(self):
         with open(self.path("t.dat"), "wb") as file:

@@ -88,12 +88,13 @@ class Example(SqliteCase):
 
     def test_no_table_is_named(self):
         run = self.tool("cat", self.path_of_example(), code=3)
+        self.assertIn(": the table to read was not named\n", run.err)
         self.assertIn("name one of its tables with --table: well_base, sqlite_sequence, Каротаж_101", run.err)
 
     def test_a_table_that_is_not_there(self):
         for command in ("cat", "fields", "head", "count"):
             run = self.tool(command, self.path_of_example(), "--table", "нет", code=3)
-            self.assertIn('cannot read', run.err)
+            self.assertIn(': it holds no table "нет"\n', run.err)
             self.assertIn("name one of its tables", run.err)
 
 

@@ -49,6 +49,11 @@ class Help(CaseTest):
         self.assertNotIn("manual", page)
         self.assertIn("Exit codes: 0 clean; 1 done, but lines were rejected", page)
 
+    def test_help_as_a_command(self):
+        self.assertEqual(text_of("help"), text_of("--help"))
+        for command in OPTIONS:
+            self.assertEqual(text_of("help", command), text_of(command, "--help"))
+
     def test_lines_fit_a_terminal(self):
         for command in ([], *[[name] for name in OPTIONS]):
             for line in text_of(*command, "--help").splitlines():

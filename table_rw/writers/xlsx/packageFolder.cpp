@@ -10,6 +10,7 @@
 namespace SimpleXlsx {
 
 packageFolder::packageFolder(packageDisk& disk) : disk_(disk) {
+  // ODD: without TEMP in the current folder: hosts choose their working folder.
   const std::wstring parent = platform::environmentVariable(L"TEMP").value_or(L"");
   if (!parent.empty()) path_ = parent + L'/';
   path_ += L"xlsx_" + std::to_wstring(platform::currentThreadId()) + L'_' +

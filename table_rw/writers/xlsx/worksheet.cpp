@@ -40,6 +40,7 @@ constexpr std::string_view formulaEnd = "</f></c>";
 constexpr std::size_t rowRoom = 128;
 constexpr std::size_t cellRoom = 128;  // without the text of a formula
 
+// ODD: a value that begins so is a formula: users write them.
 constexpr wchar_t formulaMark = L'=';
 constexpr unsigned lettersInAlphabet = 26;
 
