@@ -74,7 +74,9 @@ std::string outcomeOf(const tableRW::tableReader& reader);
 
 /// Reads a whole table and demands what holds for tables of every format but those with ragged rows: rows of full
 /// width, no more of them than the source has bytes, and the same table from a second read.
-std::string checkedTable(tableRW::tableReader& reader, std::size_t sourceSize);
+/// @param needsFields  a source without fields is read, but isOK answers false then
+std::string checkedTable(tableRW::tableReader& reader, std::size_t sourceSize,
+                         bool needsFields = false);
 
 }  // namespace fuzzing
 

@@ -17,7 +17,7 @@ std::string fuzzing::micromine(std::string_view bytes) {
   file += input.rest();
   tableRW::tableReader_micromineDat reader{
       tableRW::tableReaderOptions(writeInput(L"input.dat", file))};
-  const std::string outcome = checkedTable(reader, file.size());
+  const std::string outcome = checkedTable(reader, file.size(), true);
   demand(reader.fieldCount() <= file.size(), "more fields than bytes");
   return outcome;
 }
