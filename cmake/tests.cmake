@@ -41,6 +41,11 @@ target_compile_options(vok_tests PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O1>
 # What every test includes is parsed once: a third of the time that a full run spends compiling.
 target_precompile_headers(vok_tests PRIVATE
   <gtest/gtest.h> <algorithm> <array> <cstdint> <functional> <memory> <random> <string> <string_view> <vector>)
+# g++ 12 takes moves of strings for accesses out of bounds. It keeps that to itself in headers of the system, but not
+# in those that come from the precompiled one.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(vok_tests PRIVATE -Wno-array-bounds -Wno-stringop-overflow)
+endif()
 
 # A child program for the tests of process.h: it prints the arguments that it was given.
 add_executable(echo_arguments tests/platform/echo_arguments.cpp)

@@ -28,7 +28,10 @@ packages_of() {
     bench-peers)
       echo "$run python3 libcsv-dev libdeflate-dev libgdal-dev libshp-dev libxlsxwriter-dev python3-dbfread" \
         "python3-openpyxl python3-pandas python3-xlwt xlsx2csv" ;;
-    *) echo "install_packages.sh: unknown set '$1'" >&2; return 1 ;;
+    *)
+      echo "install_packages.sh: there is no set '$1'; the sets are run, native, windows, lint, fuzz, bench," \
+        "bench-peers" >&2
+      return 1 ;;
   esac
 }
 

@@ -35,6 +35,9 @@ std::string nearestName(std::string_view written, const std::vector<std::string>
   std::string nearest;
   std::size_t least = std::max<std::size_t>(written.size() / 3, 1) + 1;
   for (const std::string& name : names) {
+    constexpr std::size_t tellingLetters = 4;  // "--en"
+    if (written.size() >= tellingLetters && std::string_view(name).starts_with(written))
+      return name;
     // Longer words are nobody's slip, and comparing them would take their product in memory.
     if (written.size() > 2 * name.size()) continue;
     const std::size_t distance = distanceBetween(written, name);

@@ -10,8 +10,9 @@
 
 namespace vokTable {
 
-/// The name that is fewest letters away from what was written (put in, left out, exchanged; two neighbours that
-/// changed places count as one), when that is at most one letter in three; else an empty text.
+/// The name that begins with what was written, four letters at least; else the one that is fewest letters away from it
+/// (put in, left out, exchanged; two neighbours that changed places count as one), when that is at most one letter in
+/// three; else an empty text.
 std::string nearestName(std::string_view written, const std::vector<std::string>& names);
 
 }  // namespace vokTable

@@ -136,9 +136,7 @@ class Folder(InstallTest):
         prefix = self.install()
         environment = dict(os.environ, LD_LIBRARY_PATH=self.library_folder(prefix), LC_ALL="C.UTF-8",
                            PKG_CONFIG_PATH=glob.glob(os.path.join(prefix, "lib*", "**", "pkgconfig"), recursive=True)[0])
-        examples = os.path.join(GIVEN.source, "examples")
-        shutil.copy(os.path.join(examples, "wells_cp1251.csv"), self.path("wells.csv"))
-        shutil.copy(os.path.join(examples, "project.well2"), self.path("project.well2"))
+        shutil.copytree(os.path.join(GIVEN.source, "examples"), self.path("examples"))
         flags = run("pkg-config", "--cflags", "--libs", "vok_table_rw", env=environment).strip()
         printed = {}
         for language, count, compiler in (("cpp", 3, "c++ -std=c++20"), ("c", 1, "cc -std=c99")):

@@ -25,6 +25,8 @@ COMMANDS = ("the commands are tables, fields, head, cat, count, stats, errors, f
     Case("unknown option", ["cat", "t.csv", "--color"], "", ['error: cat has no option "--color"\n', CAT_HELP], 2, AB),
     Case("mistyped option", ["cat", "--encodng", "CP866", "t.csv"], "",
          ['error: cat has no option "--encodng"; perhaps --encoding is meant\n', CAT_HELP], 2, AB),
+    Case("the begin of an option", ["cat", "t.csv", "--enc", "CP866"], "",
+         ['cat has no option "--enc"; perhaps --encoding is meant\n'], 2, AB),
     Case("mistyped option with its value", ["cat", "t.csv", "--dleimiter=,"], "",
          ['cat has no option "--dleimiter"; perhaps --delimiter is meant\n'], 2, AB),
     Case("no file", ["cat"], "", ["error: FILE is required\n", CAT_HELP], 2),

@@ -160,6 +160,19 @@ class Damage(OdbcCase):
         self.assertIn("t.dhdb holds no table", run.err)
 
 
+class Advice(OdbcCase):
+    """What to do where nothing is set up for Access databases."""
+
+    def test_the_package_is_named_where_its_driver_is_not_there(self):
+        if Settings.is_windows():
+            self.skipTest("another package there")
+        self.write({"t.mdb": "x"})
+        for drivers, words in (("", "hint: install the package odbc-mdbtools; a data source whose name"),
+                               ("[MDBTools]\nDriver=libmdbodbc.so\n", "hint: a data source whose name holds")):
+            self.configure(drivers)
+            self.assertIn(words, self.tool("cat", "t.mdb", code=4).err)
+
+
 @unittest.skipUnless(SQLITE, "the SQLite driver is not installed")
 class Workbooks(OdbcCase):
     """A database of SQLite's driver in the place of a workbook."""
