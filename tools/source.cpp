@@ -131,14 +131,18 @@ void explainFailure(tableRW::tableReader& reader, const readingArguments& argume
                     toolContext& context) {
   if (explainUnreadable(reader.path(), context.messages)) return;
   const std::vector<std::wstring> tables = tablesInstead(reader, arguments);
-  std::string reason = ": its content is not what was expected; check the file and the options";
-  if (arguments.table)
-    reason = tables.empty() ? ", table " + inQuotes(*arguments.table) + reason
-                            : ": it holds no table " + inQuotes(*arguments.table);
-  else if (!tables.empty())
-    reason = ": the table to read was not named";
-  context.messages.error(fmt::format("cannot read {}{}", arguments.file, reason));
-  if (!tables.empty()) hintAtTables(tables, context.messages);
+  if (tables.empty()) {
+    const std::string table =
+        arguments.table ? fmt::format(", table {}", inQuotes(*arguments.table)) : std::string();
+    context.messages.error(fmt::format(
+        "cannot read {}{}: its content is not what was expected; check the file and the options",
+        arguments.file, table));
+    return;
+  }
+  const std::string reason = arguments.table ? "it holds no table " + inQuotes(*arguments.table)
+                                             : std::string("the table to read was not named");
+  context.messages.error(fmt::format("cannot read {}: {}", arguments.file, reason));
+  hintAtTables(tables, context.messages);
 }
 
 exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& arguments,
