@@ -66,7 +66,8 @@ class TestTemporaryFolder(unittest.TestCase):
                 with self.subTest(f"{command} {name} {content[:20]}"):
                     run = run_tool(command, name, cwd=case.folder, env={"TMPDIR": folder, "TMP": seen})
                     self.assertEqual(run.code, code, run.err)
-                    self.assertEqual(os.listdir(folder), [])
+                    left = [name for name in os.listdir(folder) if not name.startswith("wine-")]  # Wine's own
+                    self.assertEqual(left, [])
 
 
 class ConverterTest(unittest.TestCase):
