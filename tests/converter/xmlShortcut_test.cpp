@@ -186,7 +186,7 @@ TEST(xmlShortcut, everySheetIsReadAsTheParserReadsIt) {
   documentMaker maker(seed(17));
   std::size_t taken = 0;
   std::size_t size = 0;
-  for (int i = 0; i < 20000 && !HasFailure(); ++i) {
+  for (int i = 0; i < 6000 && !HasFailure(); ++i) {
     const std::string document = maker.sheet();
     taken += expectSame(reference::readSheetXml, document, maker.sizes());
     size += document.size();
@@ -198,7 +198,7 @@ TEST(xmlShortcut, everyListOfStringsIsReadAsTheParserReadsIt) {
   documentMaker maker(seed(18));
   std::size_t taken = 0;
   std::size_t size = 0;
-  for (int i = 0; i < 20000 && !HasFailure(); ++i) {
+  for (int i = 0; i < 6000 && !HasFailure(); ++i) {
     const std::string document = maker.strings();
     taken += expectSame(reference::readStringsXml, document, maker.sizes());
     size += document.size();
