@@ -10,6 +10,7 @@ import shutil
 import subprocess
 import sys
 import time
+import warnings
 
 NOT_INSTALLED = 77
 
@@ -24,6 +25,7 @@ def xlsx2csv(source, target, _program):
 
 def openpyxl(source, target, _program):
     import openpyxl as package  # pylint: disable=import-outside-toplevel
+    warnings.simplefilter("ignore")  # of styles, which would stand among the results
     sheet = package.load_workbook(source, read_only=True, data_only=True).active
     with open(target, "w", encoding="utf-8", newline="") as file:
         writer = csv.writer(file, delimiter="$")
