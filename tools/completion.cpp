@@ -129,7 +129,7 @@ complete -F _vok_table vok_table vok_table.exe
 
 // --- zsh ---
 
-/// Text as it stands in a specification of _arguments, between single quotes.
+/// Text as it stands in an argument of _arguments, between single quotes.
 std::string zshText(std::string_view text) {
   std::string out;
   for (const char character : text) {

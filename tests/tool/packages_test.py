@@ -17,10 +17,10 @@ def example(name):
 
 
 def script():
-    specification = importlib.util.spec_from_file_location("make_package_tables",
+    found = importlib.util.spec_from_file_location("make_package_tables",
                                                            example("make_package_tables.py"))
-    module = importlib.util.module_from_spec(specification)
-    specification.loader.exec_module(module)
+    module = importlib.util.module_from_spec(found)
+    found.loader.exec_module(module)
     return module
 
 

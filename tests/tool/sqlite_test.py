@@ -56,10 +56,10 @@ class Example(SqliteCase):
             self.check_table(self.path_of_example(), table)
 
     def test_the_script_makes_the_same_database(self):
-        specification = importlib.util.spec_from_file_location(
+        found = importlib.util.spec_from_file_location(
             "make_project_database", os.path.join(Settings.source, "examples", "make_project_database.py"))
-        script = importlib.util.module_from_spec(specification)
-        specification.loader.exec_module(script)
+        script = importlib.util.module_from_spec(found)
+        found.loader.exec_module(script)
         script.make(self.path("made.well2"))
         self.assertEqual(*[list(sqlite3.connect(path).iterdump())
                            for path in (self.path_of_example(), self.path("made.well2"))])
