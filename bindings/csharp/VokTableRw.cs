@@ -7,8 +7,9 @@
 //     }
 //
 // One source file, so that a project takes it in by adding it, over the UTF-16 functions of the C interface,
-// the same on Windows and on Linux, for .NET Framework 4.5, Mono, .NET Standard 2.0 and later. The library is found as every P/Invoke library is:
-// vok_table_rw_vc.dll or libvok_table_rw_vc.so beside the program, or where the system's loader looks.
+// the same on Windows and on Linux, for .NET Framework 4.5, Mono, .NET Standard 2.0 and later. The library is
+// found as every P/Invoke library is: vok_table_rw_vc.dll or libvok_table_rw_vc.so beside the program, or where
+// the system's loader looks.
 //
 // Values are text, exactly as the source has them. Lines and rows count from 0.
 // Errors: FileNotFoundException, TableException, and ArgumentException for what a caller did wrong.
