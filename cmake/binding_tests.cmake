@@ -11,7 +11,7 @@ if(NOT VOK_BINDING_PYTHON)
 endif()
 # What may have nothing to run on is a test of its own, so that it is counted when it is skipped.
 set(python_test ${VOK_BINDING_PYTHON} ${binding_folder}/python_test.py
-  --library $<TARGET_FILE:vok_table_rw_vc> --source ${PROJECT_SOURCE_DIR})
+  --product $<TARGET_FILE:vok_table_rw_vc> --source ${PROJECT_SOURCE_DIR})
 add_test(NAME bindings.python COMMAND ${python_test})
 add_test(NAME bindings.python_pandas COMMAND ${python_test} Pandas)
 add_test(NAME bindings.python_pip COMMAND ${python_test} Installation)
@@ -23,7 +23,7 @@ add_test(NAME example.read_wells_py
 set_tests_properties(example.read_wells_py PROPERTIES ENVIRONMENT
   "PYTHONPATH=${PROJECT_SOURCE_DIR}/bindings/python;PYTHONDONTWRITEBYTECODE=1;VOK_TABLE_RW_LIBRARY=$<TARGET_FILE:vok_table_rw_vc>")
 
-set(run_csharp ${VOK_PYTHON} ${binding_folder}/run_csharp.py --library $<TARGET_FILE:vok_table_rw_vc>
+set(run_csharp ${VOK_PYTHON} ${binding_folder}/run_csharp.py --product $<TARGET_FILE:vok_table_rw_vc>
   --source ${PROJECT_SOURCE_DIR} --work ${PROJECT_BINARY_DIR}/csharp)
 add_test(NAME bindings.csharp
   COMMAND ${run_csharp} ${binding_folder}/csharp_test.cs

@@ -77,7 +77,7 @@ const odbcEntry* find(const std::vector<odbcEntry>& entries, std::string_view na
 // The file name of the library of a driver that is named, or given by its library.
 std::string libraryName(const std::string& driver, const std::vector<odbcEntry>& drivers) {
   const odbcEntry* const entry = find(drivers, driver);
-  const std::string library = lowered(entry == nullptr ? driver : entry->library);
+  const std::string library = lowered(entry == nullptr ? driver : entry->driverFile);
   return library.substr(library.find_last_of("/\\") + 1);
 }
 
@@ -108,7 +108,7 @@ std::vector<odbcEntry> listDrivers(SQLHENV environment) {
   for (const listedEntry& entry : listEntries(environment, SQLDrivers)) {
     odbcEntry driver{entry.name, {}};
     for (std::size_t at = 0; at < entry.rest.size(); at += std::strlen(&entry.rest[at]) + 1)
-      if (const auto library = valueOf(&entry.rest[at], "driver")) driver.library = *library;
+      if (const auto file = valueOf(&entry.rest[at], "driver")) driver.driverFile = *file;
     drivers.push_back(std::move(driver));
   }
   return drivers;
@@ -137,7 +137,7 @@ std::string fittedConnectionString(std::string_view text, const std::vector<odbc
   const std::string sourceName = withoutBraces(valueOf(parts, "dsn"));
   const odbcEntry* const source = sourceName.empty() ? nullptr : find(sources, sourceName);
   const std::string driver =
-      source != nullptr ? source->library : withoutBraces(valueOf(parts, "driver"));
+      source != nullptr ? source->driverFile : withoutBraces(valueOf(parts, "driver"));
   const std::string library = libraryName(driver, drivers);
   if (library.find("mdbodbc") != std::string::npos) {
     const std::string folder = valueOf(parts, "defaultdir");

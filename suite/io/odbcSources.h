@@ -22,7 +22,7 @@ namespace suiteIo {
 
 struct odbcEntry {
   std::string name;
-  std::string library;  ///< of a data source: its driver's name or library
+  std::string driverFile;  ///< of a data source: its driver's name or file
 };
 
 /// In the driver manager's order; without an environment there are none.

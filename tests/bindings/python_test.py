@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The Python package over the built library.
 
-usage: python_test.py --library LIBRARY --source SOURCE_DIR [test classes]
+usage: python_test.py --product LIBRARY --source SOURCE_DIR [test classes]
 
 Exit code 77 when every test was skipped.
 """
@@ -20,7 +20,7 @@ SKIPPED = 77
 
 
 class Settings:
-    library = ""
+    product = ""
     source = ""
 
 
@@ -379,18 +379,18 @@ class TheLibrary(PackageTest):
 
     def test_by_file_and_by_folder(self):
         program = "import vok_table_rw; print(vok_table_rw.load_library()._name)"
-        for place in (Settings.library, os.path.dirname(Settings.library)):
+        for place in (Settings.product, os.path.dirname(Settings.product)):
             run = self.run_python(program, VOK_TABLE_RW_LIBRARY=place)
             self.assertEqual((run.returncode, run.stderr), (0, ""))
-            self.assertEqual(os.path.dirname(run.stdout.strip()), os.path.dirname(Settings.library))
-        run = self.run_python(f"import vok_table_rw; print(vok_table_rw.load_library({Settings.library!r})._name)")
-        self.assertEqual(run.stdout.strip(), Settings.library)
+            self.assertEqual(os.path.dirname(run.stdout.strip()), os.path.dirname(Settings.product))
+        run = self.run_python(f"import vok_table_rw; print(vok_table_rw.load_library({Settings.product!r})._name)")
+        self.assertEqual(run.stdout.strip(), Settings.product)
 
     def test_by_the_systems_loader(self):
         program = ("import vok_table_rw\n"
                    f"table = vok_table_rw.read_table({self.example('wells.csv')!r})\n"
                    "print(len(table))")
-        run = self.run_python(program, LD_LIBRARY_PATH=os.path.dirname(Settings.library))
+        run = self.run_python(program, LD_LIBRARY_PATH=os.path.dirname(Settings.product))
         self.assertEqual((run.returncode, run.stdout.strip(), run.stderr), (0, "9", ""))
 
     def test_missing(self):
@@ -404,7 +404,7 @@ class TheLibrary(PackageTest):
     def test_a_workbook_through_the_systems_loader(self):
         self.vok.write_table(self.path("o.xlsx"), ["A"], [("1",), ("2",)])
         program = f"import vok_table_rw; print(vok_table_rw.read_table({self.path('o.xlsx')!r})['A'])"
-        run = self.run_python(program, LD_LIBRARY_PATH=os.path.dirname(Settings.library))
+        run = self.run_python(program, LD_LIBRARY_PATH=os.path.dirname(Settings.product))
         self.assertEqual((run.stdout.strip(), run.stderr), ("['1', '2']", ""))
 
     def test_the_readmes_program(self):
@@ -412,7 +412,7 @@ class TheLibrary(PackageTest):
             program = re.search(r"```python\n(.*?)```", file.read(), re.DOTALL).group(1)
         program = re.sub(r"^ +frame = .*\n", "", program, flags=re.MULTILINE)  # pandas has its own tests
         os.symlink(os.path.join(Settings.source, "examples"), self.path("examples"))
-        run = self.run_python(program, cwd=self.folder, VOK_TABLE_RW_LIBRARY=Settings.library)
+        run = self.run_python(program, cwd=self.folder, VOK_TABLE_RW_LIBRARY=Settings.product)
         self.assertEqual((run.returncode, run.stderr), (0, ""))
         self.assertIn("9\n['101-Р', '102-Р']\n6 105-Р;Восточная;", run.stdout)
         with self.vok.read_table(self.path("out.xlsx")) as table:
@@ -450,14 +450,14 @@ BY_NAME_ALONE = ("Pandas", "Installation")
 
 def main():
     arguments = sys.argv[1:]
-    for option in ("library", "source"):
+    for option in ("product", "source"):
         if f"--{option}" not in arguments:
             sys.exit(__doc__)
         place = arguments.index(f"--{option}")
         setattr(Settings, option, os.path.abspath(arguments[place + 1]))
         del arguments[place:place + 2]
     sys.path.insert(0, os.path.join(Settings.source, "bindings", "python"))
-    package().load_library(Settings.library)
+    package().load_library(Settings.product)
     if not arguments:
         arguments = [case.__name__ for case in PackageTest.__subclasses__() if case.__name__ not in BY_NAME_ALONE]
     result = unittest.main(argv=[sys.argv[0], *arguments], exit=False).result

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Compiles a C# program with the binding's source file and runs it over the built library.
 
-usage: run_csharp.py --library LIBRARY --source SOURCE_DIR --work FOLDER PROGRAM.cs [arguments of the program]
+usage: run_csharp.py --product LIBRARY --source SOURCE_DIR --work FOLDER PROGRAM.cs [arguments of the program]
 
 Prints what the program prints and answers with its exit code; 77 when mcs or mono (Debian: mono-mcs, mono-runtime)
 is not installed. An argument {temporary} is a folder that is removed afterwards.
@@ -18,7 +18,7 @@ SKIPPED = 77
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--library", required=True)
+    parser.add_argument("--product", required=True)
     parser.add_argument("--source", required=True)
     parser.add_argument("--work", required=True, help="where the compiled program goes")
     parser.add_argument("program")
@@ -39,7 +39,7 @@ def main():
         stdin=subprocess.DEVNULL, stdout=sys.stderr, check=False)
     if build.returncode != 0:
         return 1
-    environment = dict(os.environ, LD_LIBRARY_PATH=os.path.dirname(os.path.abspath(options.library)))
+    environment = dict(os.environ, LD_LIBRARY_PATH=os.path.dirname(os.path.abspath(options.product)))
     with tempfile.TemporaryDirectory() as folder:
         arguments = [folder if argument == "{temporary}" else argument for argument in options.arguments]
         sys.stdout.flush()

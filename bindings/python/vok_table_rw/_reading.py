@@ -95,20 +95,20 @@ def _number(text: str, decimal: str) -> Number:
 class _Handles:
     """What a table owns in the library."""
 
-    def __init__(self, library: Any) -> None:
-        self.library = library
-        self.texts = TextList(library)
+    def __init__(self, functions: Any) -> None:
+        self.functions = functions
+        self.texts = TextList(functions)
         self.options: Optional[int] = None
         self.reader: Optional[int] = None
 
     def open_reader(self) -> int:
-        self.library.vo_table_reader_close(self.reader)
-        self.reader = self.library.vo_table_reader_open(self.options)
+        self.functions.vo_table_reader_close(self.reader)
+        self.reader = self.functions.vo_table_reader_open(self.options)
         return self.reader
 
     def close(self) -> None:
-        self.library.vo_table_reader_close(self.reader)
-        self.library.vo_table_reader_options_close(self.options)
+        self.functions.vo_table_reader_close(self.reader)
+        self.functions.vo_table_reader_options_close(self.options)
         self.texts.close()
 
 
