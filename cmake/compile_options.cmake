@@ -28,6 +28,13 @@ if(VOK_SANITIZE)
   add_compile_definitions(_GLIBCXX_ASSERTIONS)
 endif()
 
+# What is recorded is for everything but GoogleTest (cmake/tests.cmake): a program has one copy of an inline
+# function, and that may be a test's. Unoptimised, since an optimiser joins branches and makes others.
+if(VOK_COVERAGE)
+  add_compile_options(--coverage -fprofile-abs-path -fprofile-update=atomic -O0 -g0)
+  add_link_options(--coverage)
+endif()
+
 # Options of a program or a library of this project.
 function(vok_options target)
   target_link_libraries(${target} PRIVATE vok_warnings)

@@ -10,6 +10,10 @@ add_subdirectory(${VOK_GOOGLETEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLU
 # inline functions, and those are to be optimised ones.
 set(vok_less_debug_information $<$<CONFIG:RelWithDebInfo>:-g1>)
 target_compile_options(gtest PRIVATE -O0 ${vok_less_debug_information})
+if(VOK_COVERAGE)
+  target_compile_options(gtest PRIVATE -fno-profile-arcs -fno-test-coverage)
+  target_compile_options(gtest_main PRIVATE -fno-profile-arcs -fno-test-coverage)
+endif()
 
 file(GLOB test_sources CONFIGURE_DEPENDS
   tests/*.cpp
