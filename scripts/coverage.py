@@ -82,7 +82,7 @@ def run_gcov(arguments):
 def read_counters():
     command = ["gcovr", "--root", ROOT, "--object-directory", BUILD, "-j", JOBS, "--json", RECORD,
                "--gcov-executable", os.path.abspath(__file__) + " gcov",
-               "--exclude-throw-branches", "--exclude-unreachable-branches", "--exclude", GENERATED]
+               "--exclude-throw-branches", "--exclude-unreachable-branches", "--exclude-branches-by-pattern", ".*_mm_", "--exclude", GENERATED]
     for folder in FOLDERS:
         command += ["--filter", folder + "/"]
     if run(*command, BUILD) != 0:

@@ -129,7 +129,6 @@ bool readDbase2(platform::binaryFile& file, tableHeader& header) {
   header.recordLength = loadLittle(bytes.data() + recordLengthAt2, 2);
   header.recordsAt = recordsAt2;
   std::vector<descriptor> list = readDescriptors(bytes, descriptorsDbase2);
-  if (list.size() > mostFields2) return false;
   if (sumOf(list, &descriptor::length) != header.recordLength) return false;
   addFields(list, header);
   return true;

@@ -56,7 +56,6 @@ inline constexpr unsigned char descriptorsEndOfSome = 0x0A;  // as the last byte
 inline constexpr std::size_t recordCountAt2 = 1;
 inline constexpr std::size_t recordLengthAt2 = 6;
 inline constexpr std::size_t recordsAt2 = 521;
-inline constexpr std::size_t mostFields2 = 32;
 
 // --- records ---
 inline constexpr char liveMark = ' ';

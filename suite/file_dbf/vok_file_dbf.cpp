@@ -60,7 +60,7 @@ class tableSource {
     for (std::size_t field = 0; field < header_.fields.size(); ++field) {
       std::string& computed = computed_[field];
       vo_dbf_value found = value(field, bytes);
-      if (found.bytes == computed.data() && found.bytes != nullptr) {
+      if (found.bytes == computed.data()) {
         computed.append(vo_dbf_padding, '\0');
         found.bytes = computed.data();
       }

@@ -1,11 +1,14 @@
 // Memo files of each kind, and block numbers that lead nowhere.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include "tests/support/dbfBuilder.h"
 #include "tests/support/openedDbf.h"
+#include "tests/support/targetSystem.h"
 #include "tests/support/temporaryFolder.h"
 
 namespace {
@@ -151,6 +154,24 @@ TEST(dbfMemo, everyCutOfAMemoFile) {
       ASSERT_TRUE(text == "~" || (version == 0x83 && "first"s.starts_with(text))) << text;
     }
   }
+}
+
+// A memo file of no more than its header, and one of two texts, that others change while they are open.
+TEST(dbfMemo, whatOthersDoMeanwhileIsNoText) {
+  if (testSupport::onWindows) GTEST_SKIP() << "nobody can write to a file that is being read there";
+  const testSupport::temporaryFolder folder;
+  const std::wstring path =
+      folder.write(L"t.dbf", dbfBuilder("M M10", 0x8B).record("         1").bytes());
+  const std::filesystem::path memo(folder.write(L"t.dbt", dbase4(13).substr(0, 512)));
+  const testSupport::ownedDbf grows = testSupport::openDbf(path);
+  std::ofstream(memo, std::ios::binary | std::ios::app) << dbase4(13).substr(512);
+  EXPECT_EQ(testSupport::recordsOf(grows.get()), "~");
+  const testSupport::ownedDbf shrinks = testSupport::openDbf(path);
+  EXPECT_EQ(testSupport::recordsOf(shrinks.get()), "first");
+  std::filesystem::resize_file(memo, 522);
+  EXPECT_EQ(testSupport::recordsOf(shrinks.get()), "~");
+  std::filesystem::resize_file(memo, 515);
+  EXPECT_EQ(testSupport::recordsOf(shrinks.get()), "~") << "not even the text's length is there";
 }
 
 }  // namespace

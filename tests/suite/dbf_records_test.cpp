@@ -50,6 +50,7 @@ const std::vector<row> rows = {
     row{"2^31 - 1 records in a short file", poked(sample, 4, littleEndian(0x7FFFFFFF, 4)), sampleRecords},
     row{"2^32 - 1 records in a short file", poked(sample, 4, littleEndian(0xFFFFFFFF, 4)), "one|1 / two|2 / six|6"},
     row{"a count that is too small", poked(sample, 4, littleEndian(1, 4)), sampleRecords},
+    row{"a count that leaves out a deleted record", poked(dbfBuilder("A C1").row("1").row("2", '*').row("3").bytes(), 4, littleEndian(1, 4)), "1 / 3"},
     row{"a count of 0 after a crash", poked(sample, 4, littleEndian(0, 4)), sampleRecords},
     row{"the last record is cut", sample.substr(0, sample.size() - 3), "one|1 / two|2"},
     row{"the header alone", sample.substr(0, sampleHeader), ""},

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "suite/file_dbf/dbfPaths.h"
 #include "suite/file_dbf/dbfTarget.h"
 #include "tests/support/openedDbf.h"
 #include "tests/support/tableText.h"
@@ -107,11 +108,16 @@ const std::vector<row> rows = {
     row{"a huge negative exponent", 'N', 4, 1, "1e-999999999999", " 0.0"},
     row{"0 with a huge exponent", 'N', 4, 1, "0e999999999", " 0.0"},
     row{"blanks around", 'N', 8, 2, "  7.25\t", "    7.25"},
+    row{"a TAB in front", 'N', 4, 0, "\t7", "   7"},
     row{"no number", 'N', 8, 2, "abc", "        "},
     row{"a digit too late", 'N', 8, 2, "7 8", "        "},
     row{"two points", 'N', 8, 2, "7.1.2", "        "},
     row{"a sign alone", 'N', 8, 2, "-", "        "},
     row{"a point alone", 'N', 8, 2, ".", "        "},
+    row{"an exponent with its plus", 'N', 8, 2, "1e+2", "  100.00"},
+    row{"an exponent that is no number", 'N', 8, 2, "1e2x", "        "},
+    row{"zeros behind the point without one before", 'N', 8, 2, ".05", "    0.05"},
+    row{"a fraction for a whole number", 'N', 4, 0, ".4", "   0"},
     row{"an exponent without digits", 'N', 8, 2, "1e", "        "},
     row{"infinity", 'N', 8, 2, "inf", "        "},
     row{"hexadecimal", 'N', 8, 2, "0x10", "        "},
@@ -122,6 +128,12 @@ const std::vector<row> rows = {
     row{"date with points", 'D', 8, 0, "29.02.2024", "20240229"},
     row{"blanks around a date", 'D', 8, 0, " 2024-02-29 ", "20240229"},
     row{"no day of the calendar", 'D', 8, 0, "2023-02-29", "        "},
+    row{"the day 0", 'D', 8, 0, "2024-02-00", "        "},
+    row{"the month 0", 'D', 8, 0, "2024-00-01", "        "},
+    row{"the year 0", 'D', 8, 0, "0000-01-01", "        "},
+    row{"a letter as the day", 'D', 8, 0, "2024-02-1x", "        "},
+    row{"one hyphen", 'D', 8, 0, "2024-02/29", "        "},
+    row{"one point", 'D', 8, 0, "29.02/2024", "        "},
     row{"no date", 'D', 8, 0, "yesterday", "        "},
     row{"a date of another length is one of 8", 'D', 10, 0, "2024-02-29", "20240229"},
     row{"a letter among the digits", 'D', 8, 0, "2024022Ж", "        "},
@@ -131,6 +143,7 @@ const std::vector<row> rows = {
     row{"1", 'L', 1, 0, "1", "T"},
     row{"false", 'L', 1, 0, "F", "F"},
     row{"no", 'L', 5, 0, "n", "F"},
+    row{"a sign behind the letters", 'L', 1, 0, "{", " "},
     row{"neither", 'L', 1, 0, "?", " "},
 };
 // clang-format on
@@ -155,6 +168,20 @@ TEST_F(dbfWriting, utf8IsCutAtAWholeCharacter) {
   EXPECT_EQ(stored(fieldOf("A", 'C', 4), wide("a\U0001F600").c_str()), "a   ");
   EXPECT_EQ(stored(fieldOf("A", 'C', 5), wide("a\U0001F600").c_str()), "a\U0001F600");
   EXPECT_EQ(readFile(folder_.file(L"t.cpg")), "UTF-8");
+  EXPECT_EQ(stored(fieldOf("A", 'C', 4), wide("ЖЖЖ").c_str()), "ЖЖ");
+}
+
+TEST_F(dbfWriting, surrogatesInUtf8) {
+  ASSERT_EQ(vo_options_set_system_code_page(65001), 1);
+  EXPECT_EQ(stored(fieldOf("A", 'C', 5), L"\xD83D\xDE00"), "\U0001F600 ") << "a pair is one character";
+  EXPECT_EQ(stored(fieldOf("A", 'C', 3), L"\xD83D\xDE00"), "   ") << "and is never cut";
+  EXPECT_EQ(stored(fieldOf("A", 'C', 6), L"\xD83D\xFF21"), "\uFFFD\uFF21");
+  EXPECT_EQ(stored(fieldOf("A", 'C', 4), L"\xD83D" L"A"), "\uFFFD" "A");
+}
+
+TEST_F(dbfWriting, aNumberOfManyDigits) {
+  const std::wstring digits = L"0.1" + std::wstring(2000, L'2');
+  EXPECT_EQ(stored(fieldOf("A", 'N', 6, 3), digits.c_str()), " 0.122");
 }
 
 TEST_F(dbfWriting, theHeaderTellsTheCodePage) {
@@ -166,8 +193,9 @@ TEST_F(dbfWriting, theHeaderTellsTheCodePage) {
   for (const page& each : {
            page{1251,  0xC9, nullptr},
            page{866,   0x65, nullptr},
-           page{65001, 0x00, "UTF-8"},
-           page{1258,  0x00, "1258" },
+           page{65001, 0x00, "UTF-8"   },
+           page{20127, 0x00, "US-ASCII"},
+           page{1258,  0x00, "1258"    },
            page{1252,  0x03, nullptr}
   }) {
     ASSERT_EQ(vo_options_set_system_code_page(each.number), 1);
@@ -254,10 +282,40 @@ TEST_F(dbfWriting, whatCannotBeCreated) {
   const std::vector<dbfFieldDef> longRecord(258, fieldOf("A", 'C', 255));
   EXPECT_FALSE(create(path_, 258, 0, longRecord.data(), 1)) << "more than a record holds";
   EXPECT_FALSE(platform::fileExists(path_));
+  EXPECT_TRUE(create(folder_.file(L"new.dbf"), 1, 0, &good, 0)) << "nothing to replace";
   EXPECT_TRUE(create(path_, 2046, 0, many.data(), 1));
   EXPECT_FALSE(create(path_, 1, 0, &good, 0)) << "exists";
   EXPECT_EQ(vo_dbf_get_nf(openDbf(path_).get()), 2046u) << "and is still there";
   EXPECT_TRUE(create(path_, 1, 0, &good, 1));
+}
+
+TEST_F(dbfWriting, withoutItsCodePageBesideItThereIsNoTable) {
+  ASSERT_EQ(vo_options_set_system_code_page(1258), 1);
+  ASSERT_TRUE(platform::createFolder(folder_.file(L"t.cpg")));
+  EXPECT_EQ(createDbf(path_, {fieldOf("A", 'C', 3)}), nullptr);
+  EXPECT_FALSE(platform::fileExists(path_));
+}
+
+TEST_F(dbfWriting, aHandleIsForReadingOrForWriting) {
+  ownedDbf table = createDbf(path_, {fieldOf("A", 'C', 3)});
+  ASSERT_EQ(vo_dbf_add_records(table.get(), 1), 1);
+  EXPECT_EQ(vo_dbf_get_nf(table.get()), 0u);
+  EXPECT_EQ(vo_dbf_get_nr(table.get()), 0);
+  EXPECT_EQ(testSupport::valueOf(table.get(), 0, 0), "~");
+  EXPECT_EQ(vo_dbf_get_record(table.get(), 0), nullptr);
+  table.reset();
+  table = openDbf(path_);
+  EXPECT_EQ(vo_dbf_add_records(table.get(), 1), 0);
+  EXPECT_EQ(vo_dbf_set_str_w(table.get(), 0, 0, L"x"), 0);
+  EXPECT_EQ(testSupport::recordsOf(table.get()), "~");
+}
+
+TEST(dbfPaths, anotherExtension) {
+  EXPECT_EQ(fileDbf::withExtension(L"folder/t.dbf", L".cpg"), L"folder/t.cpg");
+  EXPECT_EQ(fileDbf::withExtension(L"t.a.dbf", L".cpg"), L"t.a.cpg");
+  EXPECT_EQ(fileDbf::withExtension(L"t", L".cpg"), L"t.cpg");
+  EXPECT_EQ(fileDbf::withExtension(L"folder.dbf/t", L".cpg"), L"folder.dbf/t.cpg");
+  EXPECT_EQ(fileDbf::withExtension(L"folder.dbf\\t", L".cpg"), L"folder.dbf\\t.cpg");
 }
 
 // Records behind 2^32 bytes. Writing them takes some seconds and 4.4 GB, so it has to be asked for:
@@ -303,6 +361,7 @@ struct namesRow {
 const std::vector<namesRow> namesRows = {
     namesRow{"right from the start", {"WELL", "Depth_1"}, {"WELL", "Depth_1"}},
     namesRow{"other characters", {"a b", "x-y", "p%"}, {"a_b", "x_y", "p_"}},
+    namesRow{"signs behind the letters", {"a{b}~"}, {"a_b__"}},
     namesRow{"a digit first", {"1st"}, {"_1st"}},
     namesRow{"a digit first, and no room", {"1234567890"}, {"_123456789"}},
     namesRow{"empty", {"", "A", "  "}, {"FIELD1", "A", "FIELD3"}},
@@ -415,6 +474,9 @@ TEST(dbfFailingDisk, whatTheFileHoldsThenAreWholeRecords) {
         target.setValue(1, i, std::to_wstring(i).c_str());
       }
       sound += target.isSound() ? 1 : 0;
+      if (!target.isSound()) {
+        EXPECT_FALSE(target.setValue(0, 0, L"text")) << failAt;
+      }
     }
     const ownedDbf table = openDbf(path);
     if (table == nullptr) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -10,6 +11,7 @@
 #include "platform/vok_file_micromine.h"
 #include "tests/support/micromineBuilder.h"
 #include "tests/support/tableText.h"
+#include "tests/support/targetSystem.h"
 #include "tests/support/temporaryFolder.h"
 
 namespace {
@@ -105,6 +107,7 @@ TEST_F(micromineFile, headers) {
            headerRow{"standard", standard, "A:1 B:2  x|1"},
            headerRow{"standard, an empty title", two().standard("").bytes(), "A:1 B:2  x|1"},
            headerRow{"standard, LF alone", micromineBuilder("A C2").lineEnd("\n").standard().row("x").row("y").bytes(), "A:1  x / y"},
+           headerRow{"standard, an empty title and LF alone", micromineBuilder("A C2").lineEnd("\n").standard("").row("x").bytes(), "A:1  x"},
            headerRow{"standard, a title of 4,000", two().standard(std::string(4000, 't')).bytes(), "A:1 B:2  x|1"},
            headerRow{"standard, a title without end", std::string(9000, 't'), "refused"},
            headerRow{"the magic differs by a byte", "t" + extended.substr(1), "refused"},
@@ -157,6 +160,10 @@ TEST_F(micromineFile, metadata) {
   const std::string russian = "A:1  \xD0\x96";
   const std::string western = "A:1  \xC3\x86";  // the system's page
   const std::string padding(9000, ' ');
+  // Fills the first page, behind the 42 bytes that it begins with.
+  const auto toTheEnd = [](const std::string& text) {
+    return std::string(4096 - 42 - text.size(), ' ') + text;
+  };
   // clang-format off
   for (const headerRow& row : {
            headerRow{"of several pages", with(padding + "<metadata><data codepage='ibm-5347_P100-1998'/></metadata>"), russian.c_str()},
@@ -169,6 +176,10 @@ TEST_F(micromineFile, metadata) {
            headerRow{"a page without quotes", with("<data codepage=windows-1251 /></metadata>"), western.c_str()},
            headerRow{"another attribute that ends so", with("<data mycodepage=\"windows-1251\"/></metadata>"), western.c_str()},
            headerRow{"blanks around the equals sign", with("<data codepage = \"windows-1251\"/></metadata>"), russian.c_str()},
+           headerRow{"lines and TABs around the equals sign", with("<data\r\ncodepage\n=\t\r\n\"windows-1251\"/></metadata>"), russian.c_str()},
+           headerRow{"lines that announce nothing", with(std::string(4054, ' ') + "12\n34  VARIABLES  \n<data codepage='windows-1251'/></metadata>"), russian.c_str()},
+           headerRow{"the attribute's name as the last of it", with(toTheEnd("</metadata> codepage")), western.c_str()},
+           headerRow{"the equals sign as the last of it", with(toTheEnd("</metadata> codepage=")), western.c_str()},
            headerRow{"more metadata than there may be", with(std::string(std::size_t{300} * 4096, ' ')), "refused"},
        })
     EXPECT_EQ(textOf(row.bytes), row.expected) << row.name << ", line " << row.line;
@@ -246,6 +257,7 @@ TEST_F(micromineFile, theEndOfTheFile) {
   EXPECT_EQ(textOf(bytes + "rub"), both);
   EXPECT_EQ(textOf(bytes.substr(0, bytes.size() - 1)), both) << "half a line end";
   EXPECT_EQ(textOf(bytes.substr(0, bytes.size() - 2)), both) << "no line end";
+  EXPECT_EQ(textOf(micromineBuilder("A C1").row("a").bytes() + "\n"), "A:1  a / \\x{0A}");
   EXPECT_EQ(textOf(bytes.substr(0, bytes.size() - 3)), one) << "a record that is cut";
   EXPECT_EQ(textOf(micromineBuilder("A C1").row("a").bytes() + "\x1A"), "A:1  a");
   EXPECT_EQ(textOf(micromineBuilder("A C1").bytes() + "\x1A"), "A:1");
@@ -281,6 +293,17 @@ TEST_F(micromineFile, aRecordLongerThanABlock) {
   vo_mm_tbl_reader_read_row(table.get(), 2);
   EXPECT_EQ(valueOf(table.get(), 0), L"third");
   EXPECT_EQ(valueOf(table.get(), 399), L"");
+}
+
+TEST_F(micromineFile, aFileThatShrinksEndsEarlier) {
+  if (testSupport::onWindows) GTEST_SKIP() << "nobody can write to a file that is being read there";
+  const std::string bytes = micromineBuilder("A C2").row("a").row("b").row("c").bytes();
+  const ownedTable table = open(bytes);
+  std::filesystem::resize_file(folder_.file(L"t.dat"), bytes.size() - 8);
+  vo_mm_tbl_reader_read_row(table.get(), 0);
+  EXPECT_EQ(valueOf(table.get(), 0), L"a");
+  vo_mm_tbl_reader_read_row(table.get(), 2);
+  EXPECT_EQ(valueOf(table.get(), 0), L"");
 }
 
 // ---- values --------------------------------------------------------------------------------------
