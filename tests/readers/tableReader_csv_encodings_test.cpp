@@ -164,6 +164,22 @@ TEST(tableReader_csv, brokenUtf8InsideALine) { expectBrokenUtf8(";and more text\
 
 TEST(tableReader_csv, brokenUtf8AtTheEndOfTheFile) { expectBrokenUtf8(""); }
 
+// 64 bytes are looked at together: what the end of the file cuts behind them is noticed all the same.
+TEST(tableReader_csv, aCharacterCutByTheEndOfTheFile) {
+  const temporaryFolder folder;
+  for (const std::string cut : {"\xC3", "\xE4\xB8", "\xE4"}) {
+    for (std::size_t whole = 58; whole < 66; ++whole) {
+      const std::string bytes = "a\n" + std::string(whole, 'x') + cut;
+      const std::wstring path = folder.write(L"table.csv", bytes);
+      tableReader_csv reader(csvOptions().forFile(path));
+      ASSERT_TRUE(reader.read());
+      ASSERT_EQ(reader.count(), 1U);
+      EXPECT_EQ(reader.value(std::size_t{0}, 0), std::wstring(whole, L'x') + L"\xFFFD");
+      EXPECT_EQ(testSupport::differenceFromTwin(path, bytes, csvOptions()), "");
+    }
+  }
+}
+
 TEST(tableReader_csv, charactersBeyondTheBmp) {
   const temporaryFolder folder;
   const std::wstring path = folder.write(L"table.csv", "\U0001F600;\U0010FFFF\n\U00010000;x\n");

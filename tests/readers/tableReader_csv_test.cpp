@@ -280,6 +280,30 @@ TEST(tableReader_csv, withoutAHeaderAndDataFurtherDown) {
   });
 }
 
+// What ends a line or the file never stands inside one, so it sets nothing apart; a lone CR does stand there.
+TEST(tableReader_csv, delimitersAndQuotesThatEndLines) {
+  for (const wchar_t mark : {L'\0', L'\n', L'\x1A'}) {
+    const std::vector<Row> rows = {
+        Row{"as a delimiter", "a;b\n1;2\n", "fields a;b  rows 1;2  ok"},
+    };
+    expectTables(withDelimiter(std::wstring(1, mark)), rows);
+  }
+  for (const wchar_t mark : {L'\0', L'\n', L'\x1A'}) {
+    const std::vector<Row> rows = {
+        Row{"as a quote", "a;b\n1;2\n", "fields a|b  rows 1|2  ok"},
+    };
+    expectTables(withQuote(std::wstring(1, mark)), rows);
+  }
+  expectTables(withDelimiter(L"\r"),
+               {
+                   Row{"a lone CR sets values apart", "a\rb\n1\r2\n", "fields a|b  rows 1|2  ok"},
+  });
+  expectTables(withQuote(L"\r"),
+               {
+                   Row{"CR as a quote", "a;b\n\r1;2\r3\n", "fields a|b  rows 1|2\\x{0D}3  ok"},
+  });
+}
+
 TEST(tableReader_csv, delimiters) {
   expectTables(withDelimiter(L","),
                {

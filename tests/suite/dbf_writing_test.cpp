@@ -173,10 +173,15 @@ TEST_F(dbfWriting, utf8IsCutAtAWholeCharacter) {
 
 TEST_F(dbfWriting, surrogatesInUtf8) {
   ASSERT_EQ(vo_options_set_system_code_page(65001), 1);
-  EXPECT_EQ(stored(fieldOf("A", 'C', 5), L"\xD83D\xDE00"), "\U0001F600 ") << "a pair is one character";
+  EXPECT_EQ(stored(fieldOf("A", 'C', 5), L"\xD83D\xDE00"), "\U0001F600 ")
+      << "a pair is one character";
   EXPECT_EQ(stored(fieldOf("A", 'C', 3), L"\xD83D\xDE00"), "   ") << "and is never cut";
   EXPECT_EQ(stored(fieldOf("A", 'C', 6), L"\xD83D\xFF21"), "\uFFFD\uFF21");
-  EXPECT_EQ(stored(fieldOf("A", 'C', 4), L"\xD83D" L"A"), "\uFFFD" "A");
+  EXPECT_EQ(stored(fieldOf("A", 'C', 4),
+                   L"\xD83D"
+                   L"A"),
+            "\uFFFD"
+            "A");
 }
 
 TEST_F(dbfWriting, aNumberOfManyDigits) {
@@ -191,12 +196,12 @@ TEST_F(dbfWriting, theHeaderTellsTheCodePage) {
     const char* beside;
   };
   for (const page& each : {
-           page{1251,  0xC9, nullptr},
-           page{866,   0x65, nullptr},
+           page{1251,  0xC9, nullptr   },
+           page{866,   0x65, nullptr   },
            page{65001, 0x00, "UTF-8"   },
            page{20127, 0x00, "US-ASCII"},
            page{1258,  0x00, "1258"    },
-           page{1252,  0x03, nullptr}
+           page{1252,  0x03, nullptr   }
   }) {
     ASSERT_EQ(vo_options_set_system_code_page(each.number), 1);
     createDbf(path_, {fieldOf("A", 'C', 3)}).reset();
