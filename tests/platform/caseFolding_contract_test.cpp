@@ -48,6 +48,7 @@ const row rows[] = {
         {L'A', L'\xD800', L'A', L'\xDC00'},
         {L'a', L'\xD800', L'a', L'\xDC00'}                                                    },
     row{"behind a NUL",                           L"A\0B"s,              L"a\0b"s             },
+    row{"capitals beyond the BMP stay",           L"\U00010400A",        L"\U00010400a"       },
 };
 
 TEST(caseFolding, texts) {

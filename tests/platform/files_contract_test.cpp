@@ -348,6 +348,10 @@ TEST_F(files, linksAndDevicesAreKnown) {
   EXPECT_TRUE(platform::isSameFile(folder_.file(L"link"), folder_.file(L"file")));
   EXPECT_FALSE(platform::isPipeOrDevice(folder_.file(L"link")));
   EXPECT_TRUE(platform::isPipeOrDevice(L"/dev/null"));
+  EXPECT_FALSE(platform::isSameFile(folder_.file(L"file"), L"/dev/null"));
+  binaryFile device;
+  ASSERT_TRUE(device.openForReading(L"/dev/null"));
+  EXPECT_EQ(device.size(), 0u);
 }
 
 TEST_F(files, aReplacedFileKeepsItsPermissions) {
