@@ -7,6 +7,7 @@
 #   windows  to cross-compile and to run the tests under Wine
 #   lint     to check style and to run clang-tidy
 #   fuzz     to build the fuzz targets
+#   coverage to measure what the tests reach
 #   bench, bench-peers  to measure the library, and other programs beside it
 #
 # Says nothing when nothing is missing. On a system without dpkg the packages are taken for present: the
@@ -24,13 +25,14 @@ packages_of() {
     windows) echo "$native g++-mingw-w64-x86-64-posix libodbc2 libz-mingw-w64-dev locales tcl wine wine64" ;;
     lint) echo "$native clang-format clang-tidy doxygen" ;;
     fuzz) echo "$run clang" ;;
+    coverage) echo "$native gcovr" ;;
     bench) echo "$run python3" ;;
     bench-peers)
       echo "$run python3 libcsv-dev libdeflate-dev libgdal-dev libshp-dev libxlsxwriter-dev python3-dbfread" \
         "python3-openpyxl python3-pandas python3-xlwt xlsx2csv" ;;
     *)
-      echo "install_packages.sh: there is no set '$1'; the sets are run, native, windows, lint, fuzz, bench," \
-        "bench-peers" >&2
+      echo "install_packages.sh: there is no set '$1'; the sets are run, native, windows, lint, fuzz, coverage," \
+        "bench, bench-peers" >&2
       return 1 ;;
   esac
 }

@@ -333,6 +333,17 @@ TEST(capiCompanions, search) {
   EXPECT_EQ(textsOf(list), texts{});
   EXPECT_FALSE(vo_table_reader_search_u8(handle, "WELL", nullptr, values, 1, list.get()));
   EXPECT_FALSE(vo_table_reader_search_u8(handle, "WELL", columns, nullptr, 1, list.get()));
+  const std::uint16_t* const well = pointerTo(u"WELL");
+  EXPECT_FALSE(vo_table_reader_search_u16(handle, well, nullptr, wideValues, 1, list.get()));
+  EXPECT_FALSE(vo_table_reader_search_u16(handle, well, columns, nullptr, 1, list.get()));
+  ASSERT_TRUE(vo_table_reader_search_u16(handle, well, nullptr, nullptr, 0, list.get()));
+  EXPECT_EQ(unitsOf(list), (std::vector<units>{u"1", u"2", u"3", u"4"}));
+  const char* const broken[] = {"\xFF"};
+  EXPECT_FALSE(vo_table_reader_search_u8(handle, "\xFF", columns, values, 1, list.get()));
+  EXPECT_FALSE(vo_table_reader_search_u8(handle, "WELL", columns, broken, 1, list.get()));
+  EXPECT_EQ(textsOf(list), texts{});
+  ASSERT_TRUE(vo_table_reader_value_name_u16(handle, pointerTo(u"NONE"), 0, list.get()));
+  EXPECT_EQ(unitsOf(list), std::vector<units>{u""});
 }
 
 TEST(capiCompanions, rejectedLines) {
@@ -348,6 +359,8 @@ TEST(capiCompanions, rejectedLines) {
   EXPECT_EQ(unitsOf(list), std::vector<units>{u"first"});
   ASSERT_TRUE(vo_table_reader_rejected_u8(reader, 0, list.get()));
   EXPECT_EQ(textsOf(list), texts{});
+  ASSERT_TRUE(vo_table_reader_rejected_u16(reader, 0, list.get()));
+  EXPECT_EQ(unitsOf(list), std::vector<units>{});
   vo_table_reader_close(reader);
   filledReader without({L"a"}, {});
   EXPECT_FALSE(vo_table_reader_rejected_u8(handleOf(without), 5, list.get()));

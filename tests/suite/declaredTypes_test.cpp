@@ -124,6 +124,23 @@ TEST(declaredTypes, reachTheRowsOfTableInfo) {
   }
 }
 
+TEST(declaredTypes, statementsAsTheyAreWritten) {
+  struct statement {
+    const char* sql;
+    const char* expected;
+  };
+  for (const statement& each : {
+           statement{"CREATE TEMP TABLE t(a Integer)",              "a:Integer"},
+           statement{"create temporary table if not exists t(a x)", "a:x"      },
+           statement{"CREATE TABLE t",                              ""         },
+           statement{"CREATE TABLE t AS SELECT (1)",                ""         },
+           statement{"CREATE INDEX i ON t(a)",                      ""         },
+           statement{"DROP TABLE t",                                ""         },
+           statement{"",                                            ""         }
+  })
+    EXPECT_EQ(listed(suiteIo::readCreateTable(each.sql)), each.expected) << each.sql;
+}
+
 TEST(declaredTypes, waysToAsk) {
   const temporaryFolder folder;
   sqliteDatabase(folder.file(L"b.sqlite")).run("CREATE TABLE t(b Text)");

@@ -29,6 +29,7 @@ struct row {
 const row rows[] = {
     row{"nothing",                    "",             ""                 },
     row{"blanks alone",               " \t\r\n\f",    ""                 },
+    row{"a vertical TAB is no blank", "a\vb",         "wa s\v wb"        },
     row{"words and signs",            "a(b,c)",       "wa s( wb s, wc s)"},
     row{"digits, _ and $ are words",  "a_1$ 10",      "wa_1$ w10"        },
     row{"bytes beyond ASCII",         "\xD0\x96 x",   "w\xD0\x96 wx"     },
