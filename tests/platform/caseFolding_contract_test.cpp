@@ -48,7 +48,7 @@ const row rows[] = {
         {L'A', L'\xD800', L'A', L'\xDC00'},
         {L'a', L'\xD800', L'a', L'\xDC00'}                                                    },
     row{"behind a NUL",                           L"A\0B"s,              L"a\0b"s             },
-    row{"capitals beyond the BMP stay",           L"\U00010400A",        L"\U00010400a"       },
+    row{"a character beyond the BMP",             L"\U0001F600A",        L"\U0001F600a"       },
 };
 
 TEST(caseFolding, texts) {
