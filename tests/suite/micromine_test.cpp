@@ -238,6 +238,8 @@ TEST_F(micromineFile, descriptionsOfOtherLengths) {
   const std::string cut = replaced(micromineBuilder("TENLETTERS C1, B C1").row("1|2").bytes(),
                                    "C  1  0", "C  1  0|TENLETTERSX");
   EXPECT_EQ(textOf(cut), "TENLETTERSX:1 B:1  1|2") << "a short description";
+  const std::string other = replaced(cut, "0|TEN", "0;TEN");
+  EXPECT_EQ(textOf(other), "TENLETTERS:1 B:1  1|2") << "another mark begins none";
 }
 
 // ---- records -------------------------------------------------------------------------------------
