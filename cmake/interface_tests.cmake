@@ -26,6 +26,11 @@ add_library(vok_header_check OBJECT ${header_check_sources})
 target_include_directories(vok_header_check PRIVATE ${vok_public_include})
 vok_options(vok_header_check)
 
+find_program(VOK_VALGRIND valgrind)
+if(WIN32)
+  set(VOK_VALGRIND "")
+endif()
+
 # --- C programs over the C interface --------------------------------------------------------------
 file(GLOB capi_programs CONFIGURE_DEPENDS tests/capi/*.c)
 foreach(source IN LISTS capi_programs)
@@ -34,6 +39,13 @@ foreach(source IN LISTS capi_programs)
   target_link_libraries(${name} PRIVATE vok_table_rw_vc)
   vok_options(${name})
   add_test(NAME capi.${name} COMMAND ${name} ${PROJECT_SOURCE_DIR}/examples)
+  # What a host sees that is looked at by valgrind: no complaint, and nothing left at the end.
+  if(VOK_VALGRIND)
+    add_test(NAME capi.valgrind.${name}
+      COMMAND ${VOK_VALGRIND} -q --leak-check=full --show-leak-kinds=all --errors-for-leak-kinds=all
+        --error-exitcode=9 --suppressions=${PROJECT_SOURCE_DIR}/tests/capi/valgrind.supp
+        $<TARGET_FILE:${name}> ${PROJECT_SOURCE_DIR}/examples)
+  endif()
 endforeach()
 
 # --- the examples print what the file beside them says --------------------------------------------

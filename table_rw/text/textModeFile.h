@@ -34,8 +34,8 @@ class textModeInput {
   /// @return bytes read; 0 at the end of the file
   std::size_t getChunk(char* buffer, std::size_t capacity);
 
-  /// The bytes that lie ready, line ends folded. At least `readAhead` bytes behind them may be read too,
-  /// whatever they hold. Valid until the next call of anything else here.
+  /// The bytes that lie ready, line ends folded. At least `readAhead` bytes behind them may be read too;
+  /// they are zero or the file's. Valid until the next call of anything else here.
   std::string_view buffered() const { return {block_.data() + next_, block_.size() - next_}; }
   static constexpr std::size_t readAhead = 64;
 
