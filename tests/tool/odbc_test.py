@@ -41,7 +41,8 @@ class OdbcCase(CaseTest):
 
     def configure(self, drivers="", sources=""):
         self.write({"etc/odbcinst.ini": drivers, "etc/odbc.ini": sources})
-        self.environment = {"ODBCSYSINI": self.path("etc"), "ODBCINI": self.path("etc/odbc.ini")}
+        # Text passes through the system's code page, and the databases hold letters of many.
+        self.environment = {"ODBCSYSINI": self.path("etc"), "ODBCINI": self.path("etc/odbc.ini"), "LC_ALL": "C.UTF-8"}
 
     def configure_access(self):
         self.configure(f"[{ACCESS_DRIVER}]\nDriver={MDBTOOLS}\n",
