@@ -93,6 +93,7 @@ capability_options tableReader_xlsOLE::get_capabilities() { return {true, false,
 
 void tableReader_xlsOLE::tableList(std::vector<std::wstring>& out) {
   out.clear();
+  isWhole_ = true;
   const std::wstring file = listFile(options_.path);
   if (!runConverter(sheetListCommandLine(options_.path, vo_options_get_temp_wpath()))) return;
   if (!platform::fileExists(file)) return;
@@ -101,6 +102,7 @@ void tableReader_xlsOLE::tableList(std::vector<std::wstring>& out) {
     ok_ = source.open(file, encodingUtf8);
     std::wstring line;
     if (ok_ && readTextLine(source, line)) splitTextInto(line, delimiter, true, out);
+    isWhole_ = !source.file.hasFailed();
   }
   platform::removeFile(file);
 }
@@ -127,6 +129,7 @@ bool tableReader_xlsOLE::readVertical() {
   errors_.clear();
   textFileReader source;
   ok_ = source.open(sheetFile(options_.path), encodingUtf8);
+  isWhole_ = true;
   if (!ok_) return false;
   if (headersOnly_) options_.header_position = 0;
   const std::int64_t header = options_.header_position;
@@ -144,6 +147,8 @@ bool tableReader_xlsOLE::readVertical() {
       addRecord(static_cast<std::uint64_t>(number), values);
     }
   }
+  // ODD: true, too, of a text file that could not be read to its end: hosts show what there is.
+  isWhole_ = !source.file.hasFailed();
   return true;
 }
 
