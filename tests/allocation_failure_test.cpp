@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <new>
@@ -39,7 +40,8 @@ using testSupport::ownedReader;
 using testSupport::printable;
 using testSupport::temporaryFolder;
 
-constexpr std::size_t mostAllocations = 20000;  // a bound for the loops, far above what any row needs
+constexpr std::size_t mostAllocations =
+    20000;  // a bound for the loops, far above what any row needs
 
 // A value that no short-string buffer holds.
 const std::string longText = "a value that needs memory of its own";
@@ -64,7 +66,10 @@ std::string memoTable() {
 }
 
 std::string micromineTable() {
-  return testSupport::micromineBuilder("NAME C40,DEPTH N8.2").row(longText + "|1.5").row("b|2").bytes();
+  return testSupport::micromineBuilder("NAME C40,DEPTH N8.2")
+      .row(longText + "|1.5")
+      .row("b|2")
+      .bytes();
 }
 
 struct source {
@@ -75,6 +80,8 @@ struct source {
 };
 
 const std::vector<source>& sources() {
+  // It does not survive tables of functions.
+  // clang-format off
   static const std::vector<source> all = {
       {"csv", L"t.csv",
        [](const temporaryFolder& to) {
@@ -101,6 +108,7 @@ const std::vector<source>& sources() {
                   "'), (2, x'FF41')");
        }},
   };
+  // clang-format on
   return all;
 }
 
@@ -125,6 +133,8 @@ struct readerCall {
 };
 
 const std::vector<readerCall>& readerCalls() {
+  // It does not survive tables of functions.
+  // clang-format off
   static const std::vector<readerCall> all = {
       {"read", [](auto& reader) { reader.read(); }},
       {"readDemo", [](auto& reader) { reader.readDemo(1); }},
@@ -149,6 +159,7 @@ const std::vector<readerCall>& readerCalls() {
          reader.rejectedRecords([](const tableRW::rejectedRecord&) { return true; });
        }},
   };
+  // clang-format on
   return all;
 }
 
@@ -212,7 +223,8 @@ TEST_P(readersWithoutMemory, openThrowsOrGivesAReader) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(every, readersWithoutMemory, testing::Range<std::size_t>(0, sources().size()),
+INSTANTIATE_TEST_SUITE_P(every, readersWithoutMemory,
+                         testing::Range<std::size_t>(0, sources().size()),
                          [](const auto& row) { return sources()[row.param].name; });
 
 // ---- everything else ----------------------------------------------------------------------------
@@ -220,18 +232,21 @@ INSTANTIATE_TEST_SUITE_P(every, readersWithoutMemory, testing::Range<std::size_t
 constexpr const char* refused = "refused";  // what the C interface declares for short memory
 
 std::string written(const temporaryFolder& folder, const std::wstring& name) {
-  const std::string bytes = testSupport::readFile(folder.file(name)).value_or("no file");
-  return name.ends_with(L".xlsx") ? (bytes.starts_with("PK") ? "a package" : bytes) : bytes;
+  return testSupport::readFile(folder.file(name)).value_or("no file");
 }
 
 std::string writeTable(const temporaryFolder& folder, const std::wstring& name) {
   tableRW::tableWriterOptions options;
   options.fileName = folder.file(name);
-  options.fields = {{L"\x0416 and a long name", tableRW::fldText, 40, 0}, {L"b", tableRW::fldNumber, 8, 2}};
+  options.fields = {
+      {L"\x0416 and a long name", tableRW::fldText,   40, 0},
+      {L"b",                      tableRW::fldNumber, 8,  2}
+  };
   tableRW::tableWriter* const writer = tableRW::tableWriter::open(options);
   const std::unique_ptr<tableRW::tableWriter, decltype(&tableRW::tableWriter::close)> owner(
       writer, &tableRW::tableWriter::close);
-  return writer->addRow({wideLongText, L"1.5"}) && writer->addRow({L"x", L"2"}) ? "rows" : "no rows";
+  return writer->addRow({wideLongText, L"1.5"}) && writer->addRow({L"x", L"2"}) ? "rows"
+                                                                                : "no rows";
 }
 
 std::string readThroughC(const temporaryFolder& folder) {
@@ -244,7 +259,7 @@ std::string readThroughC(const temporaryFolder& folder) {
   const std::unique_ptr<vo_table_reader, decltype(&vo_table_reader_close)> reader(
       vo_table_reader_open(options.get()), &vo_table_reader_close);
   const std::unique_ptr<vo_text_list, decltype(&vo_text_list_close)> list(vo_text_list_create(),
-                                                                         &vo_text_list_close);
+                                                                          &vo_text_list_close);
   if (!reader || !list || !vo_table_reader_read(reader.get())) return refused;
   std::uint64_t texts = 0;
   const auto take = [&](bool done) {
@@ -253,13 +268,14 @@ std::string readThroughC(const temporaryFolder& folder) {
   };
   const std::uint64_t column = 0;
   const char* const wanted = longText.c_str();
-  const bool done = take(vo_table_reader_field_list_u8(reader.get(), list.get())) &&
-                    take(vo_table_reader_table_list_u16(reader.get(), list.get())) &&
-                    take(vo_table_reader_column_u8(reader.get(), 0, list.get())) &&
-                    take(vo_table_reader_row_u16(reader.get(), 0, list.get())) &&
-                    take(vo_table_reader_search_u8(reader.get(), "b", &column, &wanted, 1, list.get())) &&
-                    take(vo_table_reader_rejected_u8(reader.get(), 9, list.get())) &&
-                    take(vo_table_reader_set_table_u8(reader.get(), "another table than this"));
+  const bool done =
+      take(vo_table_reader_field_list_u8(reader.get(), list.get())) &&
+      take(vo_table_reader_table_list_u16(reader.get(), list.get())) &&
+      take(vo_table_reader_column_u8(reader.get(), 0, list.get())) &&
+      take(vo_table_reader_row_u16(reader.get(), 0, list.get())) &&
+      take(vo_table_reader_search_u8(reader.get(), "b", &column, &wanted, 1, list.get())) &&
+      take(vo_table_reader_rejected_u8(reader.get(), 9, list.get())) &&
+      take(vo_table_reader_set_table_u8(reader.get(), "another table than this"));
   return done ? std::to_string(texts) : refused;
 }
 
@@ -325,9 +341,11 @@ std::string useSqlite(const temporaryFolder& folder) {
   const std::unique_ptr<Ivo_sqlite_db, decltype(&vo_sqlite_db_close)> database(
       vo_sqlite_db_open(folder.file(L"suite.sqlite").c_str(), 0), &vo_sqlite_db_close);
   if (database == nullptr) return "not opened";
-  if (!vo_sqlite_db_execute(database.get(), L"CREATE TABLE IF NOT EXISTS t(a INTEGER)")) return "refused sql";
+  if (!vo_sqlite_db_execute(database.get(), L"CREATE TABLE IF NOT EXISTS t(a INTEGER)"))
+    return "refused sql";
   const std::unique_ptr<Ivo_sqlite_stmt, decltype(&vo_sqlite_stmt_destroy)> statement(
-      vo_sqlite_db_query_stmt(database.get(), L"PRAGMA table_info('t')", 1), &vo_sqlite_stmt_destroy);
+      vo_sqlite_db_query_stmt(database.get(), L"PRAGMA table_info('t')", 1),
+      &vo_sqlite_stmt_destroy);
   if (statement == nullptr) return "no statement";
   std::string all;
   while (vo_sqlite_stmt_next_row(statement.get())) {
@@ -345,22 +363,27 @@ struct operation {
   const char* name;
   std::function<std::string(const temporaryFolder&)> run;
   std::wstring target = {};  // a file that is whole when nothing was thrown
+  std::size_t step =
+      1;  // between the numbers tried; a workbook takes its time, and has a test of its own
 };
 
 const std::vector<operation>& operations() {
+  // It does not survive tables of functions.
+  // clang-format off
   static const std::vector<operation> all = {
       {"write_csv", [](const auto& folder) { return writeTable(folder, L"o.csv"); }, L"o.csv"},
       {"write_dbf", [](const auto& folder) { return writeTable(folder, L"o.dbf"); }, L"o.dbf"},
-      {"write_xlsx", [](const auto& folder) { return writeTable(folder, L"o.xlsx"); }, {}},
+      {"write_xlsx", [](const auto& folder) { return writeTable(folder, L"o.xlsx"); }, {}, 23},
       {"c_reader", readThroughC, {}},
       {"c_writer_csv", [](const auto& folder) { return writeThroughC(folder, "c.csv"); }, {}},
       {"c_writer_dbf", [](const auto& folder) { return writeThroughC(folder, "c.dbf"); }, {}},
-      {"c_writer_xlsx", [](const auto& folder) { return writeThroughC(folder, "c.xlsx"); }, {}},
+      {"c_writer_xlsx", [](const auto& folder) { return writeThroughC(folder, "c.xlsx"); }, {}, 23},
       {"project_database", useDatabase, {}},
       {"suite_dbf", readDbf, {}},
       {"suite_micromine", readMicromine, {}},
       {"suite_sqlite", useSqlite, {}},
   };
+  // clang-format on
   return all;
 }
 
@@ -375,7 +398,8 @@ TEST_P(operationsWithoutMemory, throwOrAnswerAsDeclaredOrAreWhole) {
   const std::string whole = each.target.empty() ? "" : written(folder, each.target);
   const std::vector<std::string> files = filesIn(folder);
   bool failed = true;
-  for (std::size_t number = 0; failed; ++number) {
+  const std::size_t step = std::getenv("VOK_FULL_SWEEP") == nullptr ? each.step : 1;
+  for (std::size_t number = 0; failed; number += step) {
     ASSERT_LT(number, mostAllocations);
     std::string answer;
     bool thrown = false;
@@ -405,5 +429,31 @@ TEST_P(operationsWithoutMemory, throwOrAnswerAsDeclaredOrAreWhole) {
 INSTANTIATE_TEST_SUITE_P(every, operationsWithoutMemory,
                          testing::Range<std::size_t>(0, operations().size()),
                          [](const auto& row) { return operations()[row.param].name; });
+
+TEST(csvWriterWithoutMemory, aWriterGoesOnAfterAFailure) {
+  const temporaryFolder folder;
+  const std::vector<std::wstring> row = {L"a value that needs memory of its own", L"\u0416"};
+  bool failed = true;
+  for (std::size_t number = 0; failed; ++number) {
+    ASSERT_LT(number, mostAllocations);
+    tableRW::tableWriterOptions options;
+    options.fileName = folder.file(L"out.csv");
+    tableRW::tableWriter* const writer = tableRW::tableWriter::open(options);
+    {
+      const failingAllocation failing(number);
+      try {
+        writer->addRow(row);
+      } catch (const std::bad_alloc&) {
+        EXPECT_TRUE(failing.hasFailed());
+      }
+      failed = failing.hasFailed();
+    }
+    EXPECT_TRUE(writer->addRow(row));
+    tableRW::tableWriter::close(writer);
+    const std::string line = "a value that needs memory of its own;\xC6\r\n";
+    const std::string written = testSupport::readFile(folder.file(L"out.csv")).value_or("");
+    EXPECT_EQ(written, failed ? line : line + line) << number;
+  }
+}
 
 }  // namespace

@@ -42,9 +42,9 @@ exitCode listRejectedLines(const commandLine& request, toolContext& context) {
   };
   context.answer.records(list);
   if (!isWhole) {
-    context.messages.error(fmt::format(
-        "cannot read {} a second time: the list of its rejected lines is not whole",
-        request.reading.file));
+    context.messages.error(
+        fmt::format("cannot read {} a second time: the list of its rejected lines is not whole",
+                    request.reading.file));
     return exitCode::cannotOpen;
   }
   const exitCode outcome = concludeReading(*reader, request.reading, context, listing::here);

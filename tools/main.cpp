@@ -64,7 +64,8 @@ exitCode runTool(const std::vector<std::wstring>& arguments) {
 
 /// The last resort, for which there may be no memory.
 exitCode giveUp(std::string_view message) {
-  for (const std::string_view part : {std::string_view("vok_table: error: "), message, std::string_view("\n")})
+  for (const std::string_view part :
+       {std::string_view("vok_table: error: "), message, std::string_view("\n")})
     platform::writeLastWord(platform::standardStream::error, part);
   return exitCode::cannotOpen;
 }

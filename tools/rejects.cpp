@@ -117,8 +117,9 @@ exitCode keepRejects(const commandLine& request, tableRW::tableReader& reader,
   }
   if (!isWhole || !copier.sourceWasThere()) {
     messages.error(
-        fmt::format("{} was not written: {} has changed since it was read, or cannot be read again; convert it again", name,
-                    request.reading.file));
+        fmt::format("{} was not written: {} has changed since it was read, or cannot be read "
+                    "again; convert it again",
+                    name, request.reading.file));
     return exitCode::writeFailed;
   }
   if (!file.finish()) {

@@ -38,13 +38,20 @@ bool explainUnreadable(const std::wstring& path, const messageWriter& messages) 
   return true;
 }
 
-/// A source that opened and could not be read to its end: what was read of it must pass for no answer.
+bool isSqlite(const tableRW::tableReader& reader, const readingArguments& arguments) {
+  const auto type = findFileType(arguments.type.value_or("auto"));
+  return type && isSqliteDatabase(*type, reader.path());
+}
+
+/// A source that opened and could not be read to its end: what was read of it must pass for no answer. Of a database
+/// only the engine knows whether it is damaged or the disk has failed.
 bool explainIncomplete(const tableRW::tableReader& reader, const readingArguments& arguments,
                        const messageWriter& messages) {
-  if (reader.isWhole()) return false;
-  messages.error(fmt::format(
-      "cannot read {} to its end: the disk or the network failed, or its memo file cannot be opened",
-      arguments.file));
+  if (reader.isWhole() || isSqlite(reader, arguments)) return false;
+  messages.error(
+      fmt::format("cannot read {} to its end: the disk or the network failed, or its memo file "
+                  "cannot be opened",
+                  arguments.file));
   return true;
 }
 
@@ -91,8 +98,7 @@ bool readExtent(tableRW::tableReader& reader, extent wanted) {
 /// Whether a source without tables is a source at all. An SQLite file is opened before anybody looks into it, so
 /// only a query tells: it answers even for a table that is not there.
 bool isReadable(tableRW::tableReader& reader, const readingArguments& arguments) {
-  const auto type = findFileType(arguments.type.value_or("auto"));
-  if (type && isSqliteDatabase(*type, reader.path())) return reader.readOnlyHeaders();
+  if (isSqlite(reader, arguments)) return reader.readOnlyHeaders();
   return reader.isOK();
 }
 

@@ -40,8 +40,10 @@ bool targetFile::finish() {
 bool targetFile::finishCodePage() const {
   if (codePagePath_.empty()) return true;
   const std::wstring wanted = codePageFileOf(target_);
-  if (platform::fileExists(codePagePath_)) return platform::replaceFile(codePagePath_, wanted);
-  return !platform::fileExists(wanted) || platform::removeFile(wanted);
+  // WHY not asked for first: a disk that fails to tell of a file would make it one that is not there.
+  if (platform::replaceFile(codePagePath_, wanted)) return true;
+  if (platform::fileExists(codePagePath_)) return false;
+  return platform::removeFile(wanted) || !platform::fileExists(wanted);
 }
 
 }  // namespace vokTable

@@ -157,7 +157,8 @@ bool tableReader_csv::rejectedRecords(const std::function<bool(const rejectedRec
     std::uint64_t start = 0;
     while (number <= wanted) {
       start = source.file.taken();
-      if (!readTextLine(source, record.text)) return !source.file.hasFailed();  // or it has become shorter
+      if (!readTextLine(source, record.text))
+        return !source.file.hasFailed();  // or it has become shorter
       ++number;
     }
     parceString(record.text, values);

@@ -122,7 +122,7 @@ void tableReader_sqlite::tableList(std::vector<std::wstring>& list) {
   if (!ok_) return;
   const ownedQuery query = makeQuery(*database_, L"SELECT distinct(tbl_name) FROM sqlite_master");
   while (query && query->next()) list.push_back(query->get_as_wstring(0));
-  isWhole_ = !query || !query->has_failed();
+  isWhole_ = query && !query->has_failed();
 }
 
 capability_options tableReader_sqlite::get_capabilities() { return {true, true, true, false}; }

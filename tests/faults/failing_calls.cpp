@@ -114,8 +114,7 @@ bool shorten(const char* call, std::size_t& size) {
 template <class Open>
 int openSeen(Open open, const char* path, int flags, mode_t mode) {
   const bool seen = isBelowFolder(path);
-  if (seen && fails("open"))
-    return refuse((flags & O_ACCMODE) == O_RDONLY ? EACCES : ENOSPC);
+  if (seen && fails("open")) return refuse((flags & O_ACCMODE) == O_RDONLY ? EACCES : ENOSPC);
   const int descriptor = open(path, flags, mode);
   see(descriptor, seen);
   return descriptor;
@@ -181,8 +180,10 @@ static int countedMain(int count, char** values, char** environment) {
 int __libc_start_main(mainFunction main, int count, char** values, void (*first)(), void (*last)(),
                       void (*ofLoader)(), void* stack) {
   programsMain = main;
-  using startFunction = int (*)(mainFunction, int, char**, void (*)(), void (*)(), void (*)(), void*);
-  return nextOf<startFunction>("__libc_start_main")(countedMain, count, values, first, last, ofLoader, stack);
+  using startFunction =
+      int (*)(mainFunction, int, char**, void (*)(), void (*)(), void (*)(), void*);
+  return nextOf<startFunction>("__libc_start_main")(countedMain, count, values, first, last,
+                                                    ofLoader, stack);
 }
 
 int open(const char* path, int flags, ...) {

@@ -129,14 +129,16 @@ def compound_source(stream):
 
 def sources():
     rows = big_rows()
-    table, memos = dbf_table(rows[:2000], memo=True)
+    table, memos = dbf_table(rows[:300], memo=True)
     plain, _ = dbf_table(rows[:2000])
     stream = xls_source(rows[:6000])
     return {
         "t.csv": csv_source(rows), "small.csv": csv_source(rows[:20]), "first.txt": csv_source(rows[:20]),
         "t.petrel": petrel_source(rows), "t.micromine": micromine_source(rows),
         "t.dbf": plain, "memo.dbf": table, "memo.dbt": memos,
-        "t.sqlite": sqlite_source(rows[:3000]),
+        "t.sqlite": sqlite_source(rows[:3000]), "small.sqlite": sqlite_source(rows[:5]),
+        "small.petrel": petrel_source(rows[:20]), "small.dbf": dbf_table(rows[:5], memo=True)[0],
+        "small.dbt": dbf_table(rows[:5], memo=True)[1], "small.xlsx": xlsx_source(rows[:20]),
         "t.xlsx": xlsx_source(rows[:4000]), "t.xls": compound_source(stream), "bare.xls": stream,
     }
 
@@ -286,7 +288,7 @@ class FaultTest(unittest.TestCase):
 
 
 def sweeps(**table):
-    """Class decorator: every command becomes a test method, and one more for its requests for memory."""
+    """Class decorator: every command becomes a test method."""
     def add(cls):
         for name, (command, old) in table.items():
             def disturbed(self, command=command, old=old):
@@ -371,17 +373,17 @@ class Memory(FaultTest):
     COMMANDS = (
         tool("cat", "@source/small.csv"),
         tool("errors", "@source/small.csv", "--json"),
-        tool("stats", "@source/t.petrel"),
+        tool("stats", "@source/small.petrel"),
         tool("fields", "@source/t.micromine"),
-        tool("count", "@source/memo.dbf"),
-        tool("cat", "@source/t.sqlite", "--table", "second"),
-        tool("tables", "@source/t.sqlite"),
+        tool("count", "@source/small.dbf"),
+        tool("cat", "@source/small.sqlite", "--table", "second"),
+        tool("tables", "@source/small.sqlite"),
         tool("convert", "@source/small.csv", "@target/o.csv", "--rejects", "@target/bad.csv"),
         tool("convert", "@source/small.csv", "@target/o.dbf", "--force", o_dbf=b"old"),
         tool("convert", "@source/small.csv", "@target/o.xlsx"),
-        tool("convert", "@source/t.sqlite", "@target/all", "--all-tables"),
-        tool("tables", "@source/t.xlsx"),
-        converter("@source/t.xlsx", "-destFolder", "@target", "-copyMerged"),
+        tool("convert", "@source/small.sqlite", "@target/all", "--all-tables"),
+        tool("tables", "@source/small.xlsx"),
+        converter("@source/small.xlsx", "-destFolder", "@target", "-copyMerged"),
         converter("@source/t.xls", "-destFolder", "@target"),
     )
 
