@@ -73,7 +73,7 @@ endforeach()
 # --- whole programs while calls of the system fail -------------------------------------------------
 # WHY not with sanitizers: theirs is the library that has to be loaded first.
 if(NOT WIN32 AND NOT VOK_SANITIZE)
-  add_library(failing_calls MODULE tests/faults/failing_calls.cpp)
+  add_library(failing_calls MODULE tests/support/preload/failing_calls.cpp)
   set_target_properties(failing_calls PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/faults)
   target_link_libraries(failing_calls PRIVATE ${CMAKE_DL_LIBS})
   vok_options(failing_calls)

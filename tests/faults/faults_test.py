@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Whole runs of vok_table and of the converter program while the n-th call of the system fails.
 
-failing_calls.cpp, loaded before the program, makes one call fail, or that one and all behind it: an open, a
-read, a request for memory. For every number until a run makes fewer calls, one of two things must come of it:
+tests/support/preload/failing_calls.cpp, loaded before the program, makes one call fail, or that one and all behind
+it: an open, a read, a request for memory. For every number until a run makes fewer calls, one of two things must come of it:
 
   - the exit code of the undisturbed run, with the same standard output and the same files, byte for byte
   - an exit code of a failure and a message; each target is the old file or the new one, whole, and nothing else
@@ -10,8 +10,8 @@ read, a request for memory. For every number until a run makes fewer calls, one 
 
 Short counts and interruptions of reads and writes must change nothing at all.
 
-An ordinary run tries a few numbers of each kind of call; with VOK_FULL_SWEEP every one. With VOK_FAULT_FIGURES
-each test prints how many runs it has made.
+An ordinary run tries a few numbers of each kind of call; VOK_FAULT_MOST says how many, and with VOK_FULL_SWEEP it is
+every one. With VOK_FAULT_FIGURES each test prints how many runs it has made.
 
 faults_test.py --tool TOOL --converter CONVERTER --faults LIBRARY [TEST...]
 """
@@ -39,8 +39,8 @@ CALLS = ("open", "read", "write", "lseek", "stat", "mmap", "close", "rename", "u
 MODES = ("once", "rest")
 REMOVING = ("unlink",)  # where a file may stay
 FULL = os.environ.get("VOK_FULL_SWEEP", "") not in ("", "0")
-MOST = 3  # numbers of a kind of call in an ordinary run
-MOST_OF_MEMORY = 6
+MOST = int(os.environ.get("VOK_FAULT_MOST", "3"))  # numbers of a kind of call in an ordinary run
+MOST_OF_MEMORY = 2 * MOST
 BIG = 9000  # rows, so that a source takes more than one block
 
 
