@@ -82,6 +82,23 @@ foreach(script IN LISTS tool_tests)
   set_tests_properties(tool.${name} PROPERTIES ENVIRONMENT "VOK_REAL_FILES=${VOK_REAL_FILES}")
 endforeach()
 
+# --- whole programs while calls of the system fail -------------------------------------------------
+# WHY not with sanitizers: theirs is the library that has to be loaded first.
+if(NOT WIN32 AND NOT VOK_SANITIZE)
+  add_library(failing_calls MODULE tests/support/preload/failing_calls.cpp)
+  set_target_properties(failing_calls PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/faults)
+  target_link_libraries(failing_calls PRIVATE ${CMAKE_DL_LIBS})
+  vok_options(failing_calls)
+  # -O1, and nothing that calls the functions which are replaced here.
+  target_compile_options(failing_calls PRIVATE -fno-builtin)
+  foreach(group Reading Writing Workbooks Memory)
+    string(TOLOWER ${group} name)
+    add_test(NAME faults.${name}
+      COMMAND ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/faults/faults_test.py --tool $<TARGET_FILE:vok_table>
+        --converter $<TARGET_FILE:vok_xls2csv> --faults $<TARGET_FILE:failing_calls> ${group})
+  endforeach()
+endif()
+
 # --- the exported names, and what the library needs of the system ---------------------------------
 if(VOK_SUITE STREQUAL "own")
   add_test(NAME interface.exports

@@ -1,7 +1,7 @@
 // Files in text mode, as the Windows C runtime reads and writes them, on both targets.
 //
 // Reading: CR LF becomes LF; a CR before anything else stays, also at the end of the file; the byte 0x1A
-// ends the file wherever it stands. Read errors look like the end of the file.
+// ends the file wherever it stands. Read errors look like the end of the file; hasFailed tells them apart.
 // Writing: every LF becomes CR LF, so text that already holds CR LF gets CR CR LF.
 //
 // One object belongs to one thread at a time.
@@ -55,6 +55,9 @@ class textModeInput {
   /// Whether a read has met the end of the file, as the C function feof tells it: after a last line
   /// that ends in LF only the next read does.
   bool atEnd() const { return atEnd_; }
+
+  /// Whether a read of the file last opened has failed, so that its end may not be what was met.
+  bool hasFailed() const { return file_.hasFailed(); }
 
  private:
   std::size_t blockSize_;
