@@ -13,6 +13,7 @@ The exit code is 1 when a mutant that is not listed there survived.
 """
 import argparse
 import collections
+import fnmatch
 import glob
 import os
 import random
@@ -24,6 +25,8 @@ import subprocess
 import sys
 import time
 
+import mutants
+
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 WORK = os.path.join(ROOT, "build", "mutation")
 SOURCE = os.path.join(WORK, "source")
@@ -31,6 +34,8 @@ BUILD = os.path.join(WORK, "build")
 RESULTS = os.path.join(WORK, "results.tsv")
 EQUIVALENT = os.path.join(ROOT, "tests", "mutation", "equivalent.tsv")
 TESTS = "vok_mutation_tests"
+# Included by most sources: a mutant of theirs takes minutes to build. They are tried when they are named.
+WIDE = {"table_rw/core/valueTable.h", "table_rw/text/growingArray.h"}
 GROUPS = {
     "text": ["table_rw/text/*", "platform/singleByteEncoder.cpp", "platform/posix/codePages.cpp",
              "platform/posix/utf8.h", "platform/asciiSteps.h"],
@@ -48,125 +53,16 @@ LEFT_OUT = "twins.written:twins.petrelRows:twins.plainPetrelFiles:twins.names"
 PARTS = (f"*-{LONG}:{LEFT_OUT}", LONG)
 MEMORY_LIMIT = 8 << 30
 
-TOKEN = re.compile(r"""
-    (?P<skip>//[^\n]*|/\*.*?\*/|^\#else.*?^\#endif|^[ ]*\#(?:[^\n]*\\\n)*[^\n]*|\bstatic_assert\b[^;]*;)
-  | (?P<string>(?:u8|[LuU])?"(?:\\.|[^"\\\n])*"\w*)
-  | (?P<char>(?:u8|[LuU])?'(?:\\.|[^'\\\n])+')
-  | (?P<number>\d[\w'.]*)
-  | (?P<word>[A-Za-z_]\w*)
-  | (?P<sign><<=|>>=|<=|>=|==|!=|&&|\|\||\+\+|--|[-+*/%&|^]=|->|::|<<|>>|\S)
-""", re.VERBOSE | re.MULTILINE | re.DOTALL)
-# With blanks around them; < of a template and & of a reference have none.
-BINARY = {"<": ["<=", ">="], "<=": ["<", ">"], ">": [">=", "<="], ">=": [">", "<"], "==": ["!="], "!=": ["=="],
-          "&&": ["||"], "||": ["&&"], "+": ["-"], "-": ["+"], "*": ["/"], "/": ["*"], "%": ["/"], "&": ["|"],
-          "|": ["&"], "<<": [">>"], ">>": ["<<"], "+=": ["-="], "-=": ["+="], "|=": ["&="], "&=": ["|="]}
-KEYWORDS = {"return", "using", "namespace", "const", "constexpr", "static", "auto", "if", "for", "while", "switch",
-            "case", "default", "else", "do", "struct", "class", "enum", "template", "typedef", "public", "private",
-            "explicit", "inline", "delete", "extern", "operator", "throw", "try"}
-
-Token = collections.namedtuple("Token", "kind text start end")
-Mutant = collections.namedtuple("Mutant", "group file line source mutant start end replacement")
-
-
-def closing(tokens, at):
-    """The index of the token that ends the bracket at `at`."""
-    depth = 0
-    for i in range(at, len(tokens)):
-        depth += (tokens[i].text in "([{") - (tokens[i].text in ")]}")
-        if depth == 0:
-            return i
-    return len(tokens) - 1
-
-
-def statement_end(tokens, at):
-    """The index of the semicolon of a statement that begins at `at` and only calls or assigns; None for others."""
-    i = at
-    while tokens[i].text in ("++", "--", "*"):
-        i += 1
-    if tokens[i].kind != "word" or tokens[i].text in KEYWORDS:
-        return None
-    while tokens[i].kind == "word" and tokens[i + 1].text in ("::", ".", "->"):
-        i += 2
-    if i == at and tokens[i].text in ("break", "continue") and tokens[i + 1].text == ";":
-        return i + 1
-    follows = tokens[i + 1].text
-    if not (follows in ("(", "[", "=", "++", "--") or follows in BINARY and follows.endswith("=")
-            or follows == ";" and tokens[at].text in ("++", "--")):
-        return None
-    while i < len(tokens) and tokens[i].text != ";":
-        if tokens[i].text in "([{":
-            i = closing(tokens, i)
-        elif tokens[i].text in ")]}":
-            return None
-        i += 1
-    return i if i < len(tokens) else None
-
-
-def token_changes(text, token):
-    """What may stand in place of one token."""
-    spaced = text[token.start - 1].isspace() and text[token.end:token.end + 1].isspace()
-    if token.kind == "sign" and token.text in BINARY and spaced:
-        return BINARY[token.text]
-    if token.text in ("++", "--"):
-        return ["--" if token.text == "++" else "++"]
-    if token.text == "!":
-        return [""]
-    if token.text in ("true", "false"):
-        return ["false" if token.text == "true" else "true"]
-    if token.kind in ("number", "char"):
-        return [f"({token.text} + 1)"]
-    return []
-
-
-def changes(text):
-    """All places of a source and what may stand there: (start, end, replacement)."""
-    tokens = [Token(m.lastgroup, m.group(), m.start(), m.end()) for m in TOKEN.finditer(text) if m.lastgroup != "skip"]
-    scopes = ["declarations"]
-    words = []  # since the last statement began
-    for i, token in enumerate(tokens[:-1]):
-        for replacement in token_changes(text, token):
-            yield token.start, token.end, replacement
-        previous, following = tokens[i - 1].text, tokens[i + 1].text
-        if token.text == "if" and following == "(":
-            end = closing(tokens, i + 1)
-            inner = [t.text for t in tokens[i + 2:end]]
-            begin = i + 2 + (inner.index(";") + 1 if ";" in inner else 0)
-            if "=" not in [t.text for t in tokens[begin:end]]:
-                condition = text[tokens[begin].start:tokens[end].start]
-                yield tokens[begin].start, tokens[end].start, f"!({condition})"
-        if token.text == "return" and following not in (";", "{", "true", "false", "nullptr"):
-            end = next(k for k in range(i, len(tokens)) if tokens[k].text == ";")
-            yield tokens[i + 1].start, tokens[end].start, "{}"
-        if scopes[-1] == "{" and previous in (";", "{", "}", ")", "else"):
-            end = statement_end(tokens, i)
-            if end is not None:
-                yield token.start, tokens[end].end, ";"
-        if token.text in (";", "}", "{"):
-            declares = token.text == "{" and {"class", "struct", "namespace", "enum"} & set(words)
-            words = []
-        elif token.kind == "word":
-            words.append(token.text)
-        if token.text in "([{":
-            scopes.append("declarations" if token.text == "{" and declares else token.text)
-        elif token.text in ")]}" and len(scopes) > 1:
-            scopes.pop()
-
-
-def mutants_of(group, file):
-    with open(os.path.join(ROOT, file), encoding="utf-8", newline="") as source:
-        text = source.read()
-    for start, end, replacement in changes(text):
-        first = text.rfind("\n", 0, start) + 1
-        last = text.find("\n", end)
-        plain = " ".join(text[first:last].split())
-        changed = " ".join((text[first:start] + replacement + text[end:last]).split())
-        yield Mutant(group, file, text.count("\n", 0, start) + 1, plain, changed, start, end, replacement)
-
 
 def files_of(name):
     patterns = GROUPS.get(name, [name])
-    found = [os.path.relpath(path, ROOT) for p in patterns for path in sorted(glob.glob(os.path.join(ROOT, p)))]
-    return [path for path in found if path.endswith((".cpp", ".h"))]
+    found = [os.path.relpath(path, SOURCE) for p in patterns for path in sorted(glob.glob(os.path.join(SOURCE, p)))]
+    return [path for path in found if path.endswith((".cpp", ".h")) and (path not in WIDE or path == name)]
+
+
+def group_of(file):
+    matching = (group for group, patterns in GROUPS.items() if any(fnmatch.fnmatch(file, p) for p in patterns))
+    return next(matching, "other")
 
 
 def read_table(path):
@@ -257,7 +153,7 @@ def run_all(limits):
 
 def try_mutant(mutant, limits, log):
     path = os.path.join(SOURCE, mutant.file)
-    with open(os.path.join(ROOT, mutant.file), encoding="utf-8", newline="") as file:
+    with open(path, encoding="utf-8", newline="") as file:
         text = file.read()
     write_changed(path, (text[:mutant.start] + mutant.replacement + text[mutant.end:]).encode())
     try:
@@ -316,7 +212,7 @@ def chosen(arguments, names, verdicts):
     equivalent = {tuple(row[:3]) for row in read_table(EQUIVALENT)}
     for name in names:
         # Of equal lines in one file the first stands for all.
-        pool = list({key(m): m for file in files_of(name) for m in reversed(list(mutants_of(name, file)))}.values())
+        pool = list({key(m): m for f in files_of(name) for m in reversed(list(mutants.mutants_of(SOURCE, f)))}.values())
         if arguments.replay:
             yield [m for m in pool if key(m) not in equivalent and verdicts.get(key(m), ("", [""]))[1][-1] == "survived"]
             continue
@@ -346,8 +242,9 @@ def main():
             for batch in chosen(arguments, names, verdicts):
                 for mutant in batch:
                     verdict = try_mutant(mutant, limits, log)
-                    row = (mutant.group, mutant.file, str(mutant.line), mutant.source, mutant.mutant, verdict)
-                    verdicts.setdefault(key(mutant), (mutant.group, []))[1].append(verdict)
+                    group = group_of(mutant.file)
+                    row = (group, mutant.file, str(mutant.line), mutant.source, mutant.mutant, verdict)
+                    verdicts.setdefault(key(mutant), (group, []))[1].append(verdict)
                     with open(RESULTS, "a", encoding="utf-8", newline="") as table:
                         table.write("\t".join(row) + "\n")
                     print(f"{mutant.file}:{mutant.line}: {mutant.mutant}: {verdict}", flush=True)
