@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "suite/file_dbf/dbfLanguages.h"
 #include "suite/file_dbf/dbfTarget.h"
 #include "tests/support/openedDbf.h"
 #include "tests/support/tableText.h"
@@ -177,6 +178,43 @@ TEST_F(dbfWriting, theHeaderTellsTheCodePage) {
     const auto beside = readFile(folder_.file(L"t.cpg"));
     EXPECT_EQ(beside.value_or("none"), each.beside == nullptr ? "none" : each.beside);
   }
+}
+
+TEST(dbfLanguages, driversOfTheCodePages) {
+  struct page {
+    unsigned number;
+    unsigned char driver;
+  };
+  for (const page& each : {
+           page{437,   0x01},
+           page{850,   0x02},
+           page{1252,  0x03},
+           page{852,   0x64},
+           page{866,   0x65},
+           page{865,   0x66},
+           page{861,   0x67},
+           page{737,   0x6A},
+           page{857,   0x6B},
+           page{950,   0x78},
+           page{949,   0x79},
+           page{936,   0x7A},
+           page{932,   0x7B},
+           page{874,   0x7C},
+           page{1255,  0x7D},
+           page{1256,  0x7E},
+           page{1250,  0xC8},
+           page{1251,  0xC9},
+           page{1254,  0xCA},
+           page{1253,  0xCB},
+           page{1257,  0xCC},
+           page{1258,  0   },
+           page{20127, 0   },
+           page{65001, 0   }
+  })
+    EXPECT_EQ(fileDbf::languageDriverOf(each.number), each.driver) << each.number;
+  EXPECT_EQ(fileDbf::codePageText(1258), "1258");
+  EXPECT_EQ(fileDbf::codePageText(20127), "US-ASCII");
+  EXPECT_EQ(fileDbf::codePageText(65001), "UTF-8");
 }
 
 TEST_F(dbfWriting, theWholeFile) {
