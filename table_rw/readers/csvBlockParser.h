@@ -30,10 +30,12 @@ namespace tableRW {
 
 class csvBlockParser {
  public:
+  static constexpr std::size_t longestText = std::numeric_limits<std::int32_t>::max();
+
   /// @param codePage  the file's code page, the system's one resolved
-  /// @param longestLine  in bytes, at most 2^31 - 1; tests choose a small one
+  /// @param longestLine  in bytes; tests choose a small one
   csvBlockParser(const tableReaderOptions& options, unsigned codePage,
-                 std::size_t longestLine = std::numeric_limits<std::int32_t>::max());
+                 std::size_t longestLine = longestText);
 
   /// Reads data lines from where the file stands, adds their rows and lists the rejected ones, up to a line
   /// that has to be read the literal way or to the end of the file.

@@ -155,6 +155,9 @@ TEST_F(dbfWriting, utf8IsCutAtAWholeCharacter) {
   EXPECT_EQ(stored(fieldOf("A", 'C', 5), wide("ЖЖЖ").c_str()), "ЖЖ ");
   EXPECT_EQ(stored(fieldOf("A", 'C', 4), wide("a\U0001F600").c_str()), "a   ");
   EXPECT_EQ(stored(fieldOf("A", 'C', 5), wide("a\U0001F600").c_str()), "a\U0001F600");
+  const wchar_t twoSurrogates[] = {L'a', 0xD83D, 0xDE00, L'\0'};
+  EXPECT_EQ(stored(fieldOf("A", 'C', 4), twoSurrogates), "a   ");
+  EXPECT_EQ(stored(fieldOf("A", 'C', 5), twoSurrogates), "a\U0001F600");
   EXPECT_EQ(readFile(folder_.file(L"t.cpg")), "UTF-8");
 }
 
@@ -436,6 +439,24 @@ class failingOutput final : public fileDbf::tableOutput {
   int failAt_;
   int writes_ = 0;
 };
+
+// Takes everything but the number of records.
+class outputWithoutCount final : public fileDbf::tableOutput {
+ public:
+  bool write(std::uint64_t at, const char*, std::size_t) override { return at != 4; }
+};
+
+TEST(dbfFailingDisk, aCountThatIsNotWrittenEndsTheWriting) {
+  const dbfFieldDef field = fieldOf("A", 'C', 200);
+  fileDbf::tableTarget target(std::make_unique<outputWithoutCount>(),
+                              *fileDbf::writableFields(&field, 1), 1251);
+  constexpr int records = 4000;  // several blocks
+  int taken = 0;
+  while (taken < records && target.addRecords(1)) ++taken;
+  EXPECT_GT(taken, 0);
+  EXPECT_LT(taken, records);
+  EXPECT_FALSE(target.isSound());
+}
 
 TEST(dbfFailingDisk, whatTheFileHoldsThenAreWholeRecords) {
   const testSupport::temporaryFolder folder;
