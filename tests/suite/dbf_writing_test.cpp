@@ -183,6 +183,13 @@ TEST_F(dbfWriting, theHeaderTellsTheCodePage) {
   }
 }
 
+TEST_F(dbfWriting, aTableWhoseCodePageCannotBeToldIsNotCreated) {
+  ASSERT_EQ(vo_options_set_system_code_page(65001), 1);
+  ASSERT_TRUE(platform::createFolder(folder_.file(L"t.cpg"))) << "no file can be written there";
+  EXPECT_EQ(createDbf(path_, {fieldOf("A", 'C', 3)}), nullptr);
+  EXPECT_FALSE(platform::fileExists(path_));
+}
+
 TEST(dbfLanguages, driversOfTheCodePages) {
   struct page {
     unsigned number;
