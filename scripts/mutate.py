@@ -235,6 +235,7 @@ def main():
     arguments = parser.parse_args()
     names = arguments.names or list(GROUPS)
     os.makedirs(WORK, exist_ok=True)
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # the copy is put right before
     if not arguments.summary:
         with open(os.path.join(WORK, "build.log"), "w", encoding="utf-8") as log:
             limits = prepare(log)
