@@ -48,6 +48,14 @@ TEST(utf8, neverOutgrowsItsBound) {
     EXPECT_LE(utf8FromWide(element(code)).size(), tableRW::longestUtf8Element) << code;
 }
 
+TEST(utf8, charactersBeyondTheBmpSurviveInLongText) {
+  for (const wchar_t* const character :
+       {L"\U00010000", L"\U0001F600", L"\U0003FFFF", L"\U00040000", L"\U0010FFFF"}) {
+    const std::wstring text = std::wstring(100, L'a') + character + L'b';
+    EXPECT_EQ(wideFromUtf8(utf8FromWide(text)), text) << testSupport::printable(character);
+  }
+}
+
 TEST(utf8, randomTextSurvives) {
   testSupport::randomNumbers random(8);
   for (int round = 0; round < 2000; ++round) {
