@@ -169,7 +169,8 @@ def prepare(log):
     """Builds the tests as they are. @return time limits for their two parts"""
     copy_sources()
     if not os.path.exists(os.path.join(BUILD, "CMakeCache.txt")):
-        subprocess.run(["cmake", "--preset", "mutation", "-B", BUILD], cwd=SOURCE, stdout=log, check=True)
+        linker = ["-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld"] if shutil.which("ld.lld") else []
+        subprocess.run(["cmake", "--preset", "mutation", "-B", BUILD, *linker], cwd=SOURCE, stdout=log, check=True)
     if not build(log):
         sys.exit(f"the tests do not compile; see {log.name}")
     limits = []
