@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "table_rw/capi/vo_table_reader_utf.h"
 #include "table_rw/core/tableReader.h"
 #include "tests/support/ownedReader.h"
 #include "tests/support/temporaryFolder.h"
@@ -43,6 +44,7 @@ TEST_F(unreadableSource, textReadersTellThatTheirTableIsNotWhole) {
     EXPECT_TRUE(reader->read()) << type;
     EXPECT_TRUE(reader->isOK()) << type;
     EXPECT_FALSE(reader->isWhole()) << type;
+    EXPECT_FALSE(vo_table_reader_is_whole(reinterpret_cast<vo_table_reader*>(reader.get())));
     EXPECT_EQ(reader->count(), 0u) << type;
   }
 }
