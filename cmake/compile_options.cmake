@@ -22,9 +22,8 @@ target_compile_options(vok_warnings INTERFACE
 # The sanitizers are for everything in the build: a container that crosses from unchecked code into
 # checked code would be reported falsely.
 if(VOK_SANITIZE)
-  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
-    -fno-omit-frame-pointer)
-  add_link_options(-fsanitize=address,undefined)
+  add_compile_options(-fsanitize=${VOK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${VOK_SANITIZE})
   add_compile_definitions(_GLIBCXX_ASSERTIONS)
 endif()
 

@@ -9,10 +9,10 @@ endif()
 
 file(GLOB fuzz_sources CONFIGURE_DEPENDS fuzz/*_fuzz.cpp)
 set(fuzz_support)  # of the tests' own, which do not compile it again
-foreach(name IN ITEMS csvComparison tableText temporaryFolder workbookBuilders)
+foreach(name IN ITEMS csvComparison micromineBuilder tableText temporaryFolder workbookBuilders)
   list(APPEND fuzz_support ${PROJECT_SOURCE_DIR}/tests/support/${name}.cpp)
 endforeach()
-foreach(name IN ITEMS csvTwin petrelTwin textTwin utf8 xmlTwin)
+foreach(name IN ITEMS csvTwin micromineTwin petrelTwin textTwin utf8 xmlTwin)
   list(APPEND fuzz_support ${PROJECT_SOURCE_DIR}/tests/reference/${name}.cpp)
 endforeach()
 add_library(vok_fuzz_targets STATIC fuzz/fuzzing.cpp fuzz/workbookChecks.cpp ${fuzz_sources} ${fuzz_support})

@@ -26,6 +26,11 @@ add_library(vok_header_check OBJECT ${header_check_sources})
 target_include_directories(vok_header_check PRIVATE ${vok_public_include})
 vok_options(vok_header_check)
 
+find_program(VOK_VALGRIND valgrind)
+if(WIN32)
+  set(VOK_VALGRIND "")
+endif()
+
 # --- C programs over the C interface --------------------------------------------------------------
 file(GLOB capi_programs CONFIGURE_DEPENDS tests/capi/*.c)
 foreach(source IN LISTS capi_programs)
@@ -34,6 +39,13 @@ foreach(source IN LISTS capi_programs)
   target_link_libraries(${name} PRIVATE vok_table_rw_vc)
   vok_options(${name})
   add_test(NAME capi.${name} COMMAND ${name} ${PROJECT_SOURCE_DIR}/examples)
+  # What a host sees that is looked at by valgrind: no complaint, and nothing left at the end.
+  if(VOK_VALGRIND)
+    add_test(NAME capi.valgrind.${name}
+      COMMAND ${VOK_VALGRIND} -q --leak-check=full --show-leak-kinds=all --errors-for-leak-kinds=all
+        --error-exitcode=9 --suppressions=${PROJECT_SOURCE_DIR}/tests/capi/valgrind.supp
+        $<TARGET_FILE:${name}> ${PROJECT_SOURCE_DIR}/examples)
+  endif()
 endforeach()
 
 # --- the examples print what the file beside them says --------------------------------------------
@@ -69,6 +81,23 @@ foreach(script IN LISTS tool_tests)
     COMMAND ${VOK_PYTHON} ${script} --tool "${tool_command}" --source ${PROJECT_SOURCE_DIR})
   set_tests_properties(tool.${name} PROPERTIES ENVIRONMENT "VOK_REAL_FILES=${VOK_REAL_FILES}")
 endforeach()
+
+# --- whole programs while calls of the system fail -------------------------------------------------
+# WHY not with sanitizers: theirs is the library that has to be loaded first.
+if(NOT WIN32 AND NOT VOK_SANITIZE)
+  add_library(failing_calls MODULE tests/support/preload/failing_calls.cpp)
+  set_target_properties(failing_calls PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/faults)
+  target_link_libraries(failing_calls PRIVATE ${CMAKE_DL_LIBS})
+  vok_options(failing_calls)
+  # -O1, and nothing that calls the functions which are replaced here.
+  target_compile_options(failing_calls PRIVATE -fno-builtin)
+  foreach(group Reading Writing Workbooks Memory)
+    string(TOLOWER ${group} name)
+    add_test(NAME faults.${name}
+      COMMAND ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/faults/faults_test.py --tool $<TARGET_FILE:vok_table>
+        --converter $<TARGET_FILE:vok_xls2csv> --faults $<TARGET_FILE:failing_calls> ${group})
+  endforeach()
+endif()
 
 # --- the exported names, and what the library needs of the system ---------------------------------
 if(VOK_SUITE STREQUAL "own")

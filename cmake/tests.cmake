@@ -1,9 +1,6 @@
 # vok_tests: the unit tests, one program over the static library, so that inner parts can be tested too.
 
-set(VOK_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH "Source folder of GoogleTest")
-set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
-set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
-add_subdirectory(${VOK_GOOGLETEST_SOURCE} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+include(cmake/googletest.cmake)
 
 # WHY not as the library: optimising the tests and GoogleTest fully would double the time that a full
 # run spends compiling. -O1 for the tests, because the library may end up with their copies of its own

@@ -104,13 +104,13 @@ bool writeList(const workbook& book, const conversionRequest& request, const std
 }
 
 bool writeSheet(workbook& book, const conversionRequest& request, const std::wstring& target,
-                std::uint64_t workbookSize, std::string& problem) {
+                const platform::binaryFile& file, std::string& problem) {
   const sheetEntry* const sheet = chooseSheet(book, request, problem);
   if (sheet == nullptr) return false;
   sheetTextOptions options;
   options.delimiter = request.delimiter;
   options.copyMerged = request.copyMerged;
-  options.mostBytes = std::max(sheetTextOptions().mostBytes, workbookSize * largestGrowth);
+  options.mostBytes = std::max(sheetTextOptions().mostBytes, file.size() * largestGrowth);
   if (request.headerPosition)
     options.onlyRow = static_cast<std::uint32_t>(std::max(*request.headerPosition, 0));
   sheetText text(target, options);
@@ -118,7 +118,8 @@ bool writeSheet(workbook& book, const conversionRequest& request, const std::wst
     problem = "the text file could not be written: " + toUtf8(target);
     return false;
   }
-  return book.readSheet(*sheet, text, problem) && text.finish(problem);
+  // Asked before the text gets its name: a workbook that was not read to its end may look like a shorter one.
+  return book.readSheet(*sheet, text, problem) && !file.hasFailed() && text.finish(problem);
 }
 
 bool convertInto(const conversionRequest& request, const std::wstring& target,
@@ -128,11 +129,12 @@ bool convertInto(const conversionRequest& request, const std::wstring& target,
     problem = "it cannot be opened";
     return false;
   }
-  const std::uint64_t size = file.size();
   const auto book = openWorkbook(file, request.delimiter, problem);
-  if (book == nullptr) return false;
-  return request.listsTables ? writeList(*book, request, target, problem)
-                             : writeSheet(*book, request, target, size, problem);
+  const bool isWritten = book != nullptr && !file.hasFailed() &&
+                         (request.listsTables ? writeList(*book, request, target, problem)
+                                              : writeSheet(*book, request, target, file, problem));
+  if (file.hasFailed()) problem = "it could not be read to its end: the disk or the network failed";
+  return isWritten;
 }
 
 // What a damaged workbook says of itself may be megabytes long. Characters stay whole.

@@ -48,9 +48,8 @@ int main(int count, char** values) {
   try {
     return run(platform::commandLineArguments(count, values));
   } catch (const std::bad_alloc&) {
-    platform::writeText(standardStream::error,
-                        L"vok_xls2csv: not enough memory for this workbook\n");
-    platform::flushText(standardStream::error);
+    platform::writeLastWord(standardStream::error,
+                            "vok_xls2csv: not enough memory for this workbook\n");
     return exitFailed;
   }
 }

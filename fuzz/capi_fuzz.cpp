@@ -1,12 +1,15 @@
 // The C interface as a sequence of calls that the input chooses, on a file of the input: each answers as its
 // declaration says, whatever was called before.
+#include <algorithm>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include "fuzz/fuzzing.h"
 #include "fuzz/targets.h"
 #include "table_rw/capi/vo_table_reader.h"
 #include "table_rw/capi/vo_table_reader_utf.h"
+#include "table_rw/capi/vo_table_writer.h"
 #include "table_rw/text/utf8.h"
 
 namespace {
@@ -41,6 +44,26 @@ struct listCloser {
 };
 using ownedList = std::unique_ptr<vo_text_list, listCloser>;
 
+struct writerCloser {
+  void operator()(vo_table_writer_options* options) const {
+    vo_table_writer_options_close(options);
+  }
+  void operator()(vo_table_writer* writer) const { vo_table_writer_close(writer); }
+};
+using ownedWriterOptions = std::unique_ptr<vo_table_writer_options, writerCloser>;
+using ownedWriter = std::unique_ptr<vo_table_writer, writerCloser>;
+
+std::vector<const char*> pointersTo(const std::vector<std::string>& texts) {
+  std::vector<const char*> pointers;
+  for (const std::string& text : texts) pointers.push_back(text.c_str());
+  return pointers;
+}
+
+// Whether the library can have made this text from itself: it stands for a text that is no UTF-8 otherwise.
+bool isExact(const std::string& text) {
+  return text.find('\0') == std::string::npos && text.find("\xEF\xBF\xBD") == std::string::npos;
+}
+
 // A list in UTF-8 as texts; every text has its NUL behind it.
 std::vector<std::string> textsOf(const vo_text_list* list) {
   std::vector<std::string> texts;
@@ -73,10 +96,10 @@ class host {
 
   void callNext() {
     static constexpr void (host::*calls[])() = {
-        &host::setOption,   &host::reopen,      &host::read,   &host::readDemo,
-        &host::readHeaders, &host::setTable,    &host::tables, &host::fields,
-        &host::oneValue,    &host::namedValue,  &host::row,    &host::errors,
-        &host::read,        &host::setEncoding, &host::column, &host::rejected};
+        &host::setOption, &host::reopen, &host::read,   &host::readDemo,    &host::readHeaders,
+        &host::setTable,  &host::tables, &host::fields, &host::oneValue,    &host::namedValue,
+        &host::row,       &host::errors, &host::read,   &host::setEncoding, &host::column,
+        &host::rejected,  &host::search, &host::write};
     (this->*input_->oneOf(calls))();
   }
 
@@ -227,6 +250,98 @@ class host {
     const std::vector<std::string> texts = textsOf(list.get());
     demand(texts.size() <= most, "too many rejected lines");
     demand(isRead || texts.empty(), "rejected lines in spite of a failure");
+  }
+
+  std::vector<std::string> columnTexts(std::uint64_t index) {
+    const ownedList list(vo_text_list_create());
+    demand(vo_table_reader_column_u8(reader_, index, list.get()), "a column is refused");
+    return textsOf(list.get());
+  }
+  std::vector<std::string> fieldTexts() {
+    const ownedList list(vo_text_list_create());
+    demand(vo_table_reader_field_list_u8(reader_, list.get()), "the names are refused");
+    return textsOf(list.get());
+  }
+
+  // What one condition, or none, finds are the values in the rows that have its value.
+  void search() {
+    const std::vector<std::string> names = fieldTexts();
+    const std::string result = names.empty() ? "x" : names[input_->below(names.size())];
+    const std::int32_t resultColumn = vo_table_reader_field_num_u8(reader_, result.c_str());
+    const std::uint64_t column = anyIndex(names.size());
+    const std::vector<std::string> candidates = columnTexts(column);
+    const std::string wanted = candidates.empty() || (input_->byte() & 1) != 0
+                                   ? std::string(input_->bytes(input_->below(4)))
+                                   : candidates[input_->byte() % candidates.size()];
+    const std::uint64_t conditions = input_->below(2);
+    const char* const value = wanted.c_str();
+    const ownedList list(vo_text_list_create());
+    const bool isDone =
+        vo_table_reader_search_u8(reader_, result.c_str(), &column, &value, conditions, list.get());
+    const std::vector<std::string> found = textsOf(list.get());
+    demand(isDone == (conditions == 0 || tableRW::isValidUtf8(value)), "an odd answer of a search");
+    if (!isDone || resultColumn < 0 || (conditions > 0 && column >= names.size()))
+      return demand(found.empty(), "a search without an aim finds something");
+    if (conditions > 0 && !isExact(wanted)) return;
+    std::vector<std::string> expected = columnTexts(static_cast<std::uint64_t>(resultColumn));
+    if (conditions > 0) {
+      std::size_t kept = 0;
+      for (std::size_t row = 0; row < expected.size(); ++row)
+        if (candidates[row] == wanted) std::swap(expected[kept++], expected[row]);
+      expected.resize(kept);
+    }
+    demand(found == expected, "a search finds something else");
+  }
+
+  // The table, or its first rows, is written through the interface, with what the input says of its fields.
+  void write() {
+    static constexpr const wchar_t* targets[] = {L"written.csv", L"written.dbf", L"written.xlsx"};
+    const std::wstring path = fuzzing::inputPath(input_->oneOf(targets));
+    const ownedWriterOptions options(
+        vo_table_writer_options_create_u8(tableRW::utf8FromWide(path).c_str()));
+    demand(options != nullptr, "no options of a writer");
+    std::size_t fields = 0;
+    for (const std::string& name : fieldTexts()) {
+      const auto type = static_cast<std::int32_t>(input_->below(4)) - 1;
+      const std::int32_t width = static_cast<std::int32_t>(input_->byte()) * 2 - 2;
+      const std::int32_t decimals = static_cast<std::int32_t>(input_->below(20)) - 1;
+      const bool isAdded =
+          vo_table_writer_options_add_field_u8(options.get(), name.c_str(), type, width, decimals);
+      demand(isAdded == ((type == 0 || type == 1) && width >= 0 && decimals >= 0),
+             "an odd answer to a field");
+      fields += isAdded ? 1 : 0;
+    }
+    const std::string delimiter(input_->bytes(input_->below(3)));
+    demand(vo_table_writer_options_set_delimiter_u8(options.get(), delimiter.c_str()) ==
+               tableRW::isValidUtf8(delimiter.c_str()),
+           "an odd answer to a delimiter");
+    ownedWriter writer(vo_table_writer_open(options.get()));
+    demand(writer != nullptr, "no writer");
+    const bool isDbf = path.ends_with(L".dbf");
+    std::uint64_t written = 0;
+    constexpr std::uint64_t mostRows = 40;
+    const std::uint64_t rows = std::min(vo_table_reader_count(reader_), mostRows);
+    const ownedList list(vo_text_list_create());
+    for (std::uint64_t row = 0; row < rows; ++row) {
+      demand(vo_table_reader_row_u8(reader_, row, list.get()), "a row is refused");
+      const std::vector<std::string> texts = textsOf(list.get());
+      const bool isAdded =
+          vo_table_writer_add_row_u8(writer.get(), pointersTo(texts).data(), texts.size());
+      demand(isDbf || isAdded == !texts.empty(), "an odd answer to a row");
+      written += isAdded ? 1 : 0;
+    }
+    writer.reset();
+    if (isDbf && fields > 0) demand(rowsOf(path) == written, "the rows of the written table");
+  }
+  static std::uint64_t rowsOf(const std::wstring& path) {
+    vo_table_reader_options* const options = vo_table_reader_options_create(path.c_str());
+    vo_table_reader* const reader = vo_table_reader_open(options);
+    vo_table_reader_options_close(options);
+    const bool isRead = vo_table_reader_read(reader);
+    const std::uint64_t rows = vo_table_reader_count(reader);
+    vo_table_reader_close(reader);
+    demand(isRead, "a written table cannot be read");
+    return rows;
   }
 
   inputReader* input_;

@@ -35,7 +35,8 @@ TABLES = [
     [["a&b", "<c>", "a & b < c"], ["_x0041_", "]]>", "$"]],
     [["x" * 1022, "y" * 1023, "z" * 300], ["Ж" * 200, "😀", "end"]],
 ]
-CALLS = [bytes([2, 7, 8, 1, 1, 9, 0, 1, 10, 1, 11]), bytes(range(16)) * 2, bytes([6, 2, 3, 4, 7, 5, 0, 1, 2, 2, 8, 255, 255])]
+CALLS = [bytes([2, 7, 8, 1, 1, 9, 0, 1, 10, 1, 11]), bytes(range(16)) * 2, bytes([6, 2, 3, 4, 7, 5, 0, 1, 2, 2, 8, 255, 255]),
+         bytes([1, 8, 3, 16, 0, 1, 0, 1, 17, 1, 1, 10, 1, 2, 20, 3, 2, 10, 1, 1, 59, 17, 0])]
 CAPI_EXTENSIONS = [".csv", ".dbf", ".dat", ".tops", ".sqlite", ".txt", "", ".fpt"]
 
 
@@ -244,6 +245,37 @@ def add_file(seeds, path):
             seeds.add("capi", bytes([CAPI_EXTENSIONS.index(suffix), len(calls)]) + calls + data)
 
 
+def micromine_table(rows, end=b"\r\n", page=b"ibm-5347_P100-1998"):
+    """A data file of the extended flavour, or, without a code page, of the standard one."""
+    head = b"a title" + end
+    if page:
+        head = b'THIS IS MICROMINE EXTENDED DATA FILE!\x07\x1a\x01\r\n<metadata><data codepage="%b"/></metadata>' % page
+        head = head.ljust(4096, b"\0")
+    variables = list(zip(FIELDS, "CRC", (12, 8, 20)))
+    head += b"%2d  VARIABLES" % len(variables) + end
+    head += b"".join(name.encode().ljust(10) + kind.encode() + b"%3d   " % width + end
+                     for name, kind, width in variables)
+    for well, depth, rock in rows:
+        digits = depth.strip().replace(",", ".").replace(".", "", 1)
+        number = float(depth.replace(",", ".")) if digits.isascii() and digits.isdigit() else float("nan")
+        head += well.encode("cp1251", "replace")[:12].ljust(12) + struct.pack("<d", number)
+        head += rock.encode("cp1251", "replace")[:20].ljust(20) + end
+    return head
+
+
+def add_micromine(seeds, rows):
+    for end in (b"\r\n", b"\n"):
+        for page in (b"ibm-5347_P100-1998", b"UTF-8", b""):
+            seeds.add("micromine", b"\0" + micromine_table(rows, end, page))
+    # Records below a header that the target makes: which one, whose line ends, with which description.
+    sizes = (20, 14, 4, 11, 32)
+    text = "".join(value for row in rows for value in row).encode("cp1251", "replace") + bytes(range(200, 232))
+    for header, size in enumerate(sizes):
+        for lines, end in enumerate((b"\r\n", b"\n")):
+            records = b"".join(text[at:at + size].ljust(size, b"\0") + end for at in range(0, len(text), size))
+            seeds.add("micromine", bytes([2, header, lines, 12]) + b"TENLETTERS a" + records)
+
+
 def add_matrix(seeds):
     for rows in TABLES:
         for encoding in ("utf-8", "cp1251"):
@@ -255,6 +287,7 @@ def add_matrix(seeds):
         seeds.add("dbf", b"\0" + dbf_table(rows)[0])
         share, joined = with_memo(*dbf_table(rows, memo=True))
         seeds.add("dbf", bytes([share]) + joined)
+        add_micromine(seeds, rows)
         seeds.add("sqlite", sqlite_table(rows))
         seeds.add("sqlite", sqlite_table(rows, 1024, ["CREATE INDEX i ON t(DEPTH)", "CREATE VIEW v AS SELECT 1 AS a"]))
         parts = xlsx_parts(rows)

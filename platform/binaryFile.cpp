@@ -6,12 +6,13 @@
 namespace platform {
 
 binaryFile::binaryFile(binaryFile&& other) noexcept
-    : handle_(std::exchange(other.handle_, closedHandle)) {}
+    : handle_(std::exchange(other.handle_, closedHandle)), hasFailed_(other.hasFailed_) {}
 
 binaryFile& binaryFile::operator=(binaryFile&& other) noexcept {
   if (this != &other) {
     close();
     handle_ = std::exchange(other.handle_, closedHandle);
+    hasFailed_ = other.hasFailed_;
   }
   return *this;
 }

@@ -31,6 +31,9 @@ int terminalWidth(standardStream stream);
 ///         dropped from then on until the next flush
 bool writeText(standardStream stream, std::wstring_view text);
 
+/// Writes ASCII text at once and without asking for memory: the last word of a program that has none left.
+void writeLastWord(standardStream stream, std::string_view ascii) noexcept;
+
 /// Hands what is buffered to the system.
 /// @return false when any text since the last flush was lost
 bool flushText(standardStream stream);

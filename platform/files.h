@@ -23,7 +23,7 @@ bool fileExists(const std::wstring& path);
 /// True when the path names a folder.
 bool folderExists(const std::wstring& path);
 
-/// Deletes one file. @return false when it does not exist, is a folder or cannot be deleted
+/// Deletes one file, without asking for memory. @return false when it does not exist, is a folder or cannot be deleted
 bool removeFile(const std::wstring& path);
 
 /// True when both paths lead to one existing file or folder, by the same name or another (a link).
@@ -47,7 +47,7 @@ std::wstring findIgnoringCase(const std::wstring& path);
 /// Creates one folder level. @return false when it already exists or its parent is missing
 bool createFolder(const std::wstring& path);
 
-/// Deletes one empty folder.
+/// Deletes one empty folder, without asking for memory.
 bool removeFolder(const std::wstring& path);
 
 /// The path as UTF-8 for a library that takes it narrow and opens the file itself; separators are `/`. It names
@@ -82,13 +82,19 @@ class binaryFile {
 
   bool isOpen() const { return handle_ != closedHandle; }
 
+  /// Whether a read, a move for reading or writing, or the question for the size has failed since the file was
+  /// opened, so that the bytes read may not be all that there are. The end of the file is no failure. The answer
+  /// stays when the file is closed, up to the next opening.
+  bool hasFailed() const { return hasFailed_; }
+
   /// Reads up to `size` bytes, fewer only at the end of the file.
-  /// @return the number of bytes read; 0 at the end, after a read error and for a file not open
+  /// @return the number of bytes read; 0 at the end, after a read error (hasFailed tells) and for a file not open
   std::size_t read(void* buffer, std::size_t size);
 
   /// Reads up to `size` bytes from a place in the file, fewer only at its end. Where a `read` after it
   /// begins is not defined.
-  /// @return the number of bytes read; 0 behind the end, after a read error and for what has no places
+  /// @return the number of bytes read; 0 behind the end, after an error (hasFailed tells) and for what has no
+  /// places
   std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t size);
 
   /// Writes all bytes. @return false when any of them could not be written or the file is not open
@@ -107,6 +113,7 @@ class binaryFile {
  private:
   static constexpr std::intptr_t closedHandle = -1;
   std::intptr_t handle_ = closedHandle;  // a file descriptor, or a HANDLE, never both
+  mutable bool hasFailed_ = false;       // mutable for the size, whose answer then is 0
 };
 
 }  // namespace platform

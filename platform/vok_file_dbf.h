@@ -15,6 +15,7 @@
 #ifndef VOK_PLATFORM_VOK_FILE_DBF_H
 #define VOK_PLATFORM_VOK_FILE_DBF_H
 
+#include <stdbool.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <wchar.h>
@@ -80,6 +81,10 @@ enum { vo_dbf_padding = 16 };
  * records that all name one long text would fill any memory else.
  * Returns null when there is no such record; the values live until the next call with this handle. */
 const vo_dbf_value* vo_dbf_get_record(vo_dbf* table, int32_t record);
+
+/* House addition: whether the disk has failed while records or memo texts were read, or a memo file is there that
+ * cannot be opened. Records that seem to be missing, and values that seem to be none, may then be in the files. */
+bool vo_dbf_has_failed(const vo_dbf* table);
 
 /* ---- writing ---- */
 

@@ -13,6 +13,7 @@
 #ifndef VOK_PLATFORM_VOK_FILE_MICROMINE_H
 #define VOK_PLATFORM_VOK_FILE_MICROMINE_H
 
+#include <stdbool.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <wchar.h>
@@ -62,6 +63,9 @@ enum { vo_mm_padding = 16 };
  * of the properties, as bytes of the code page below; decoded they are what vo_mm_tbl_reader_read_str hands
  * over. Returns null when there is no such record; the values live until the next call with this handle. */
 const vo_mm_value* vo_mm_tbl_reader_get_values(vo_mm_tbl_reader* table, int64_t row);
+
+/* House addition: whether the disk has failed while records were counted or read, so that some seem to be missing. */
+bool vo_mm_tbl_reader_has_failed(const vo_mm_tbl_reader* table);
 
 /* House addition: number of the code page in which the file's text is, never 0. */
 unsigned vo_mm_tbl_reader_get_code_page(const vo_mm_tbl_reader* table);

@@ -18,7 +18,7 @@ packages_of() {
   local run="cmake g++ libcli11-dev libexpat1-dev libfmt-dev libsqlite3-dev ninja-build unixodbc-dev zlib1g-dev"
   local native="$run binutils dpkg-dev gcc googletest libsqliteodbc libxml2-utils mdbtools mono-mcs mono-runtime"
   native="$native odbc-mdbtools pkg-config python3 python3-dbfread python3-openpyxl python3-pip python3-wheel"
-  native="$native python3-xlrd"
+  native="$native python3-xlrd valgrind"
   case $1 in
     run) echo "$run" ;;
     native) echo "$native" ;;

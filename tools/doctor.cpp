@@ -93,7 +93,7 @@ exitCode examine(const readingArguments& reading, report& lines, toolContext& co
   std::vector<std::wstring> tables;
   reader->tableList(tables);
   for (const std::wstring& table : tables) lines.add("table", toUtf8(table));
-  if (!tables.empty()) return exitCode::clean;
+  if (!tables.empty() && reader->isWhole()) return exitCode::clean;
   context.messages.error(
       fmt::format("{} holds no table that can be listed; check that the file is "
                   "whole and of the kind that its name says",

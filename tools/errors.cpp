@@ -29,10 +29,11 @@ exitCode listRejectedLines(const commandLine& request, toolContext& context) {
       {"found",    "found",    columnKind::number},
       {"text",     "text",     columnKind::text  },
   };
-  list.visitRows = [&reader](const rowReceiver& receive) {
+  bool isWhole = true;
+  list.visitRows = [&](const rowReceiver& receive) {
     if (reader->errorCount() == 0) return;
     const std::wstring expected = std::to_wstring(reader->fieldCount());
-    reader->rejectedRecords([&](const tableRW::rejectedRecord& record) {
+    isWhole = reader->rejectedRecords([&](const tableRW::rejectedRecord& record) {
       const bool hasPlace = record.offset != tableRW::rejectedRecord::noOffset;
       return receive({std::to_wstring(record.line + 1),
                       hasPlace ? std::to_wstring(record.offset) : std::wstring(), expected,
@@ -40,6 +41,12 @@ exitCode listRejectedLines(const commandLine& request, toolContext& context) {
     });
   };
   context.answer.records(list);
+  if (!isWhole) {
+    context.messages.error(
+        fmt::format("cannot read {} a second time: the list of its rejected lines is not whole",
+                    request.reading.file));
+    return exitCode::cannotOpen;
+  }
   const exitCode outcome = concludeReading(*reader, request.reading, context, listing::here);
   const auto type = findFileType(request.reading.type.value_or("auto"));
   if (isDelimitedText(*type, reader->path())) warnOfSpecialBytes(reader->path(), context.messages);

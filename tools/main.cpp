@@ -63,9 +63,10 @@ exitCode runTool(const std::vector<std::wstring>& arguments) {
 }
 
 /// The last resort, for which there may be no memory.
-exitCode giveUp(std::wstring_view message) {
-  platform::writeText(platform::standardStream::error, message);
-  platform::flushText(platform::standardStream::error);
+exitCode giveUp(std::string_view message) {
+  for (const std::string_view part :
+       {std::string_view("vok_table: error: "), message, std::string_view("\n")})
+    platform::writeLastWord(platform::standardStream::error, part);
   return exitCode::cannotOpen;
 }
 
@@ -73,9 +74,9 @@ exitCode runGuarded(int count, char** values) {
   try {
     return runTool(platform::commandLineArguments(count, values));
   } catch (const std::bad_alloc&) {
-    return giveUp(L"vok_table: error: not enough memory for this table\n");
+    return giveUp("not enough memory for this table");
   } catch (const std::exception& failure) {
-    return giveUp(L"vok_table: error: " + toWide(failure.what()) + L"\n");
+    return giveUp(failure.what());
   }
 }
 

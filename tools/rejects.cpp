@@ -99,11 +99,11 @@ exitCode keepRejects(const commandLine& request, tableRW::tableReader& reader,
   bool isWhole = true;
   if (reader.errorCount() > 0) {
     std::uint64_t count = 0;
-    reader.rejectedRecords([&](const tableRW::rejectedRecord& record) {
+    const bool isRead = reader.rejectedRecords([&](const tableRW::rejectedRecord& record) {
       ++count;
       return copier.copy(record) && !interrupted.isAskedFor();
     });
-    isWhole = count == reader.errorCount();
+    isWhole = isRead && count == reader.errorCount();
   }
   if (!copier.finish()) {
     messages.error(fmt::format(
@@ -117,8 +117,9 @@ exitCode keepRejects(const commandLine& request, tableRW::tableReader& reader,
   }
   if (!isWhole || !copier.sourceWasThere()) {
     messages.error(
-        fmt::format("{} was not written: {} has changed since it was read; convert it again", name,
-                    request.reading.file));
+        fmt::format("{} was not written: {} has changed since it was read, or cannot be read "
+                    "again; convert it again",
+                    name, request.reading.file));
     return exitCode::writeFailed;
   }
   if (!file.finish()) {

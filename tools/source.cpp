@@ -38,9 +38,31 @@ bool explainUnreadable(const std::wstring& path, const messageWriter& messages) 
   return true;
 }
 
+bool isSqlite(const tableRW::tableReader& reader, const readingArguments& arguments) {
+  const auto type = findFileType(arguments.type.value_or("auto"));
+  return type && isSqliteDatabase(*type, reader.path());
+}
+
+/// A source that opened and could not be read to its end: what was read of it must pass for no answer. Of a database
+/// only the engine knows whether it is damaged or the disk has failed.
+bool explainIncomplete(const tableRW::tableReader& reader, const readingArguments& arguments,
+                       const messageWriter& messages) {
+  if (reader.isWhole() || isSqlite(reader, arguments)) return false;
+  messages.error(
+      fmt::format("cannot read {} to its end: the disk or the network failed, or its memo file "
+                  "cannot be opened",
+                  arguments.file));
+  return true;
+}
+
 exitCode explainNothingReads(const tableRW::tableReaderOptions& options,
                              const messageWriter& messages) {
   if (explainUnreadable(options.path, messages)) return exitCode::cannotOpen;
+  if (options.file_type == tableRW::fileTypeAuto) {
+    messages.error(fmt::format("cannot read the first line of {}: the disk or the network failed",
+                               toUtf8(options.path)));
+    return exitCode::cannotOpen;
+  }
   messages.error(fmt::format("cannot read {}: reading the format \"{}\" is not in this version",
                              toUtf8(options.path), formatName(options.file_type, options.path)));
   messages.hint("vok_table formats lists what can be read; --type chooses another format");
@@ -76,8 +98,7 @@ bool readExtent(tableRW::tableReader& reader, extent wanted) {
 /// Whether a source without tables is a source at all. An SQLite file is opened before anybody looks into it, so
 /// only a query tells: it answers even for a table that is not there.
 bool isReadable(tableRW::tableReader& reader, const readingArguments& arguments) {
-  const auto type = findFileType(arguments.type.value_or("auto"));
-  if (type && isSqliteDatabase(*type, reader.path())) return reader.readOnlyHeaders();
+  if (isSqlite(reader, arguments)) return reader.readOnlyHeaders();
   return reader.isOK();
 }
 
@@ -122,14 +143,16 @@ bool readSource(tableRW::tableReader& reader, extent wanted, const readingArgume
   }
   // A table that is not there has no fields, and reading them alone is no failure then.
   const bool offersTables = reader.get_capabilities().offersTables;
-  if (isRead && (reader.fieldCount() > 0 || !offersTables)) return true;
+  if (isRead && reader.isWhole() && (reader.fieldCount() > 0 || !offersTables)) return true;
   explainFailure(reader, arguments, context);
   return false;
 }
 
 void explainFailure(tableRW::tableReader& reader, const readingArguments& arguments,
                     toolContext& context) {
-  if (explainUnreadable(reader.path(), context.messages)) return;
+  if (explainUnreadable(reader.path(), context.messages) ||
+      explainIncomplete(reader, arguments, context.messages))
+    return;
   const std::vector<std::wstring> tables = tablesInstead(reader, arguments);
   if (tables.empty()) {
     const std::string table =
@@ -154,7 +177,8 @@ exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& a
 bool listSourceTables(tableRW::tableReader& reader, const readingArguments& arguments,
                       toolContext& context, std::vector<std::wstring>& tables) {
   reader.tableList(tables);
-  if (!tables.empty() || isReadable(reader, arguments)) return true;
+  const bool isListed = reader.isWhole() && (!tables.empty() || isReadable(reader, arguments));
+  if (isListed) return true;
   explainFailure(reader, arguments, context);
   return false;
 }

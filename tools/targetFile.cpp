@@ -24,11 +24,12 @@ targetFile::targetFile(const std::wstring& target) : target_(target) {
   do {
     temporaryPath_ = begin + std::to_wstring(number++) + extension;
   } while (platform::fileExists(temporaryPath_));
+  if (isWrittenAsDbf(target)) codePagePath_ = codePageFileOf(temporaryPath_);
 }
 
 targetFile::~targetFile() {
   if (!isFinished_) platform::removeFile(temporaryPath_);
-  if (isWrittenAsDbf(target_)) platform::removeFile(codePageFileOf(temporaryPath_));
+  if (!codePagePath_.empty()) platform::removeFile(codePagePath_);
 }
 
 bool targetFile::finish() {
@@ -37,11 +38,12 @@ bool targetFile::finish() {
 }
 
 bool targetFile::finishCodePage() const {
-  if (!isWrittenAsDbf(target_)) return true;
-  const std::wstring made = codePageFileOf(temporaryPath_);
+  if (codePagePath_.empty()) return true;
   const std::wstring wanted = codePageFileOf(target_);
-  if (platform::fileExists(made)) return platform::replaceFile(made, wanted);
-  return !platform::fileExists(wanted) || platform::removeFile(wanted);
+  // WHY not asked for first: a disk that fails to tell of a file would make it one that is not there.
+  if (platform::replaceFile(codePagePath_, wanted)) return true;
+  if (platform::fileExists(codePagePath_)) return false;
+  return platform::removeFile(wanted) || !platform::fileExists(wanted);
 }
 
 }  // namespace vokTable

@@ -31,6 +31,8 @@ class targetFile {
  private:
   std::wstring target_;
   std::wstring temporaryPath_;
+  std::wstring
+      codePagePath_;  // beside the temporary file, made with it where it is a DBF file; else empty
   bool isFinished_ = false;
 };
 

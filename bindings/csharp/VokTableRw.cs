@@ -184,7 +184,9 @@ namespace Vok.TableRw
         /// <summary>The names of the tables (sheets) in the source.</summary>
         public string[] Tables()
         {
-            return Texts(Native.vo_table_reader_table_list_u16(Opened(), list));
+            string[] names = Texts(Native.vo_table_reader_table_list_u16(Opened(), list));
+            CheckWhole();
+            return names;
         }
 
         /// <summary>Chooses the table for the next read; the results of the last one stay.</summary>
@@ -350,11 +352,21 @@ namespace Vok.TableRw
 
         private void CheckRead(bool done)
         {
-            if (done) return;
+            if (done)
+            {
+                CheckWhole();
+                return;
+            }
             if (!File.Exists(Path) && !Directory.Exists(Path))
                 throw new FileNotFoundException("there is no file " + Path, Path);
             throw new TableException(Path + " cannot be read as a table: check the file type, the header's "
                 + "position and the table's name; see `vok_table doctor` for what the file or this machine lacks");
+        }
+
+        private void CheckWhole()
+        {
+            if (!Native.vo_table_reader_is_whole(Opened()))
+                throw new TableException(Path + " could not be read to its end: the disk or the network failed");
         }
 
         private string[] Texts(bool done)
@@ -621,6 +633,9 @@ namespace Vok.TableRw
             ReaderHandle reader, [MarshalAs(UnmanagedType.LPWStr)] string name);
         [DllImport(Dll, CallingConvention = C)]
         internal static extern ulong vo_table_reader_field_count(ReaderHandle reader);
+        [DllImport(Dll, CallingConvention = C)]
+        [return: MarshalAs(UnmanagedType.I1)]
+        internal static extern bool vo_table_reader_is_whole(ReaderHandle reader);
         [DllImport(Dll, CallingConvention = C)]
         internal static extern int vo_table_reader_field_type(ReaderHandle reader, ulong index);
         [DllImport(Dll, CallingConvention = C)]

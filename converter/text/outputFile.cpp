@@ -1,6 +1,5 @@
 #include "converter/text/outputFile.h"
 
-#include <new>
 #include <utility>
 
 namespace converter {
@@ -10,14 +9,7 @@ outputFile::outputFile(std::wstring path) : path_(std::move(path)) {}
 outputFile::~outputFile() {
   if (!isOpen_) return;
   file_.close();
-  for (int attempt = 0; attempt < 2; ++attempt) {
-    try {
-      platform::removeFile(path_);
-      return;
-    } catch (const std::bad_alloc&) {
-      std::string().swap(buffer_);  // what it gives back is enough for a path
-    }
-  }
+  platform::removeFile(path_);
 }
 
 void outputFile::flush() {

@@ -20,6 +20,8 @@ class sheetText::lineSource {
  public:
   bool open(const std::wstring& path) { return file_.openForReading(path); }
 
+  bool hasFailed() const { return file_.hasFailed(); }
+
   /// The next line without its end; empty behind the last. It lives until the next call.
   std::string_view next() {
     for (;;) {
@@ -166,7 +168,7 @@ bool sheetText::measureMerges() {
   width_ = width;
   rows_ = rows;
   nextLate_ = nextMerge_ = 0;
-  return true;
+  return !lines.hasFailed();
 }
 
 bool sheetText::writeAnew(std::string& problem) {
@@ -198,7 +200,7 @@ bool sheetText::writeAnew(std::string& problem) {
       return false;
     }
   }
-  if (!anew.finishAs(target_)) return false;
+  if (lines.hasFailed() || !anew.finishAs(target_)) return false;
   problem.clear();
   return true;
 }

@@ -88,6 +88,10 @@ bool writeText(standardStream stream, std::wstring_view text) {
   return bufferOf(stream).write(text);
 }
 
+void writeLastWord(standardStream stream, std::string_view ascii) noexcept {
+  writeAll(descriptorOf(stream), ascii);
+}
+
 bool flushText(standardStream stream) { return bufferOf(stream).flush(); }
 
 }  // namespace platform

@@ -31,6 +31,12 @@ int openFile(const std::wstring& path, int flags) {
   return descriptor;
 }
 
+// True also for what is there but cannot be asked: whoever opens it will hear why.
+bool mayExist(const std::string& name) {
+  struct stat attributes;
+  return ::stat(name.c_str(), &attributes) == 0 || (errno != ENOENT && errno != ELOOP);
+}
+
 }  // namespace
 
 bool fileExists(const std::wstring& path) {
@@ -43,7 +49,7 @@ bool folderExists(const std::wstring& path) {
   return ::stat(nativePath(path).c_str(), &attributes) == 0 && S_ISDIR(attributes.st_mode);
 }
 
-bool removeFile(const std::wstring& path) { return ::unlink(nativePath(path).c_str()) == 0; }
+bool removeFile(const std::wstring& path) { return ::unlink(smallNativePath(path).c_str()) == 0; }
 
 bool isSameFile(const std::wstring& first, const std::wstring& second) {
   struct stat one;
@@ -86,14 +92,14 @@ std::wstring findIgnoringCase(const std::wstring& path) {
   if (listing == nullptr) return {};
   while (const dirent* const entry = ::readdir(listing.get())) {
     const std::wstring found = wideText(entry->d_name);
-    if (lowerCase(found) == wanted && fileExists(folder + found)) return folder + found;
+    if (lowerCase(found) == wanted && mayExist(nativePath(folder + found))) return folder + found;
   }
   return {};
 }
 
 bool createFolder(const std::wstring& path) { return ::mkdir(nativePath(path).c_str(), 0777) == 0; }
 
-bool removeFolder(const std::wstring& path) { return ::rmdir(nativePath(path).c_str()) == 0; }
+bool removeFolder(const std::wstring& path) { return ::rmdir(smallNativePath(path).c_str()) == 0; }
 
 std::string utf8Path(const std::wstring& path) { return nativePath(path); }
 
@@ -101,6 +107,7 @@ bool isDrivePath(const std::wstring&) { return false; }
 
 bool binaryFile::openForReading(const std::wstring& path) {
   close();
+  hasFailed_ = false;
   handle_ = openFile(path, O_RDONLY);
   struct stat attributes;
   // The kernel lets a folder be opened and refuses only to read it.
@@ -112,12 +119,14 @@ bool binaryFile::openForReading(const std::wstring& path) {
 
 bool binaryFile::openForWriting(const std::wstring& path) {
   close();
+  hasFailed_ = false;
   handle_ = openFile(path, O_WRONLY | O_CREAT | O_TRUNC);
   return isOpen();
 }
 
 bool binaryFile::openForAppending(const std::wstring& path) {
   close();
+  hasFailed_ = false;
   handle_ = openFile(path, O_WRONLY);
   if (isOpen() && ::lseek(static_cast<int>(handle_), 0, SEEK_END) < 0) close();
   return isOpen();
@@ -129,18 +138,18 @@ std::size_t binaryFile::read(void* buffer, std::size_t size) {
   while (done < size) {
     const ssize_t count = ::read(static_cast<int>(handle_), static_cast<char*>(buffer) + done,
                                  std::min(size - done, largestTransfer));
-    if (count > 0)
+    if (count > 0) {
       done += static_cast<std::size_t>(count);
-    else if (count == 0 || errno != EINTR)
+    } else if (count == 0 || errno != EINTR) {
+      if (count < 0) hasFailed_ = true;
       break;
+    }
   }
   return done;
 }
 
 std::size_t binaryFile::readAt(std::uint64_t offset, void* buffer, std::size_t size) {
-  if (!isOpen() || offset > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) return 0;
-  if (::lseek(static_cast<int>(handle_), static_cast<off_t>(offset), SEEK_SET) < 0) return 0;
-  return read(buffer, size);
+  return seek(offset) ? read(buffer, size) : 0;
 }
 
 bool binaryFile::write(const void* bytes, std::size_t size) {
@@ -160,15 +169,19 @@ bool binaryFile::write(const void* bytes, std::size_t size) {
 bool binaryFile::seek(std::uint64_t position) {
   if (!isOpen() || position > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max()))
     return false;
-  return ::lseek(static_cast<int>(handle_), static_cast<off_t>(position), SEEK_SET) >= 0;
+  if (::lseek(static_cast<int>(handle_), static_cast<off_t>(position), SEEK_SET) >= 0) return true;
+  hasFailed_ = true;
+  return false;
 }
 
 std::uint64_t binaryFile::size() const {
   struct stat attributes;
-  if (!isOpen() || ::fstat(static_cast<int>(handle_), &attributes) != 0 ||
-      !S_ISREG(attributes.st_mode))
+  if (!isOpen()) return 0;
+  if (::fstat(static_cast<int>(handle_), &attributes) != 0) {
+    hasFailed_ = true;
     return 0;
-  return static_cast<std::uint64_t>(attributes.st_size);
+  }
+  return S_ISREG(attributes.st_mode) ? static_cast<std::uint64_t>(attributes.st_size) : 0;
 }
 
 bool binaryFile::close() {

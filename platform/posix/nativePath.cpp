@@ -10,22 +10,33 @@ namespace {
 constexpr char32_t firstRawByte = 0xDC80;
 constexpr char32_t lastRawByte = 0xDCFF;
 
+constexpr std::size_t longestStep = 4;
+
+// The bytes of the text's characters, one after the other.
+template <class Receive>
+void encodeSteps(std::wstring_view text, Receive receive) {
+  for (std::size_t i = 0; i < text.size();) {
+    const textStep step = readWideStep(text.data() + i, text.size() - i);
+    const auto element = static_cast<char32_t>(text[i]);
+    i += step.length;
+    char sequence[longestStep];
+    if (!step.valid && element >= firstRawByte && element <= lastRawByte) {
+      sequence[0] = static_cast<char>(element & 0xFF);
+      receive(std::string_view(sequence, 1));
+    } else {
+      receive(std::string_view(sequence, encodeUtf8Step(step.character, sequence)));
+    }
+  }
+}
+
+std::wstring_view upToNul(std::wstring_view path) { return path.substr(0, path.find(L'\0')); }
+
 }  // namespace
 
 std::string nativeBytes(std::wstring_view text) {
   std::string bytes;
   bytes.reserve(text.size());
-  for (std::size_t i = 0; i < text.size();) {
-    const textStep step = readWideStep(text.data() + i, text.size() - i);
-    const auto element = static_cast<char32_t>(text[i]);
-    i += step.length;
-    if (!step.valid && element >= firstRawByte && element <= lastRawByte) {
-      bytes += static_cast<char>(element & 0xFF);
-      continue;
-    }
-    char sequence[4];
-    bytes.append(sequence, encodeUtf8Step(step.character, sequence));
-  }
+  encodeSteps(text, [&bytes](std::string_view step) { bytes += step; });
   return bytes;
 }
 
@@ -43,9 +54,21 @@ std::wstring wideText(std::string_view bytes) {
 }
 
 std::string nativePath(std::wstring_view path) {
-  std::string bytes = nativeBytes(path.substr(0, path.find(L'\0')));
+  std::string bytes = nativeBytes(upToNul(path));
   std::replace(bytes.begin(), bytes.end(), '\\', '/');
   return bytes;
+}
+
+smallNativePath::smallNativePath(std::wstring_view path) {
+  std::size_t size = 0;
+  bool fits = true;
+  encodeSteps(upToNul(path), [&](std::string_view step) {
+    fits = fits && step.size() < sizeof bytes_ - size;
+    if (fits) size += step.copy(bytes_ + size, step.size());
+  });
+  if (!fits) size = 0;
+  std::replace(bytes_, bytes_ + size, '\\', '/');
+  bytes_[size] = '\0';
 }
 
 }  // namespace platform

@@ -6,6 +6,7 @@
 #ifndef VOK_PLATFORM_POSIX_NATIVEPATH_H
 #define VOK_PLATFORM_POSIX_NATIVEPATH_H
 
+#include <climits>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,17 @@ std::wstring wideText(std::string_view bytes);
 
 /// The bytes of a path up to its first NUL character, with `/` for every `\`.
 std::string nativePath(std::wstring_view path);
+
+/// The same without asking for memory, for what has to go when there is none.
+class smallNativePath {
+ public:
+  explicit smallNativePath(std::wstring_view path);
+  /// Terminated; empty, which names nothing, for a path that is longer than the system takes.
+  const char* c_str() const { return bytes_; }
+
+ private:
+  char bytes_[PATH_MAX];
+};
 
 }  // namespace platform
 

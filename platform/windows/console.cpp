@@ -137,6 +137,11 @@ bool writeText(standardStream stream, std::wstring_view text) {
   return bufferOf(stream).write(text);
 }
 
+void writeLastWord(standardStream stream, std::string_view ascii) noexcept {
+  DWORD written = 0;
+  WriteFile(handleOf(stream), ascii.data(), static_cast<DWORD>(ascii.size()), &written, nullptr);
+}
+
 bool flushText(standardStream stream) { return bufferOf(stream).flush(); }
 
 }  // namespace platform

@@ -101,6 +101,7 @@ bool isDrivePath(const std::wstring& path) {
 
 bool binaryFile::openForReading(const std::wstring& path) {
   close();
+  hasFailed_ = false;
   handle_ = reinterpret_cast<std::intptr_t>(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ,
                                                         nullptr, OPEN_EXISTING,
                                                         FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -109,6 +110,7 @@ bool binaryFile::openForReading(const std::wstring& path) {
 
 bool binaryFile::openForWriting(const std::wstring& path) {
   close();
+  hasFailed_ = false;
   handle_ = reinterpret_cast<std::intptr_t>(CreateFileW(
       path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
   return isOpen();
@@ -116,6 +118,7 @@ bool binaryFile::openForWriting(const std::wstring& path) {
 
 bool binaryFile::openForAppending(const std::wstring& path) {
   close();
+  hasFailed_ = false;
   handle_ = reinterpret_cast<std::intptr_t>(CreateFileW(
       path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (isOpen() && SetFilePointerEx(asHandle(handle_), LARGE_INTEGER{}, nullptr, FILE_END) == 0)
@@ -130,21 +133,20 @@ std::size_t binaryFile::read(void* buffer, std::size_t size) {
     DWORD count = 0;
     if (ReadFile(asHandle(handle_), static_cast<char*>(buffer) + done,
                  static_cast<DWORD>(std::min(size - done, largestTransfer)), &count,
-                 nullptr) == 0 ||
-        count == 0)
+                 nullptr) == 0) {
+      // A pipe ends when nobody writes to it any more.
+      const DWORD reason = GetLastError();
+      if (reason != ERROR_HANDLE_EOF && reason != ERROR_BROKEN_PIPE) hasFailed_ = true;
       break;
+    }
+    if (count == 0) break;
     done += count;
   }
   return done;
 }
 
 std::size_t binaryFile::readAt(std::uint64_t offset, void* buffer, std::size_t size) {
-  LARGE_INTEGER place;
-  place.QuadPart = static_cast<LONGLONG>(offset);
-  if (!isOpen() || place.QuadPart < 0 ||
-      SetFilePointerEx(asHandle(handle_), place, nullptr, FILE_BEGIN) == 0)
-    return 0;
-  return read(buffer, size);
+  return seek(offset) ? read(buffer, size) : 0;
 }
 
 bool binaryFile::write(const void* bytes, std::size_t size) {
@@ -165,15 +167,19 @@ bool binaryFile::write(const void* bytes, std::size_t size) {
 bool binaryFile::seek(std::uint64_t position) {
   LARGE_INTEGER wanted;
   wanted.QuadPart = static_cast<LONGLONG>(position);
-  return isOpen() && wanted.QuadPart >= 0 &&
-         SetFilePointerEx(asHandle(handle_), wanted, nullptr, FILE_BEGIN) != 0;
+  if (!isOpen() || wanted.QuadPart < 0) return false;
+  if (SetFilePointerEx(asHandle(handle_), wanted, nullptr, FILE_BEGIN) != 0) return true;
+  hasFailed_ = true;
+  return false;
 }
 
 std::uint64_t binaryFile::size() const {
   LARGE_INTEGER size;
-  if (!isOpen() || GetFileType(asHandle(handle_)) != FILE_TYPE_DISK ||
-      GetFileSizeEx(asHandle(handle_), &size) == 0)
+  if (!isOpen() || GetFileType(asHandle(handle_)) != FILE_TYPE_DISK) return 0;
+  if (GetFileSizeEx(asHandle(handle_), &size) == 0) {
+    hasFailed_ = true;
     return 0;
+  }
   return static_cast<std::uint64_t>(size.QuadPart);
 }
 

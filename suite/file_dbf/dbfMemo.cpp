@@ -32,7 +32,9 @@ memoFile::memoFile(const std::wstring& tablePath, unsigned version) {
 
 bool memoFile::openBeside(const std::wstring& tablePath, const wchar_t* extension, layout kind) {
   const std::wstring path = platform::findIgnoringCase(withExtension(tablePath, extension));
-  if (path.empty() || !file_.openForReading(path)) return false;
+  if (path.empty()) return false;
+  isUnreadable_ = !file_.openForReading(path);
+  if (isUnreadable_) return false;
   layout_ = kind;
   if (readHeader()) return true;
   file_.close();

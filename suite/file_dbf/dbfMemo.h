@@ -29,6 +29,9 @@ class memoFile {
   /// Reads the text at a block into `text`. @return false when there is none
   bool read(std::uint64_t block, std::string& text);
 
+  /// Whether a memo file is there, but a text of it could not be read from the disk.
+  bool hasFailed() const { return isUnreadable_ || file_.hasFailed(); }
+
   /// Begins to count anew how much was handed out. WHY it is counted: records that all name one long text
   /// would make a table of any size from a small file. A pass over a sound table hands out each text once;
   /// behind sixteen times the file there is no text any more.
@@ -47,6 +50,7 @@ class memoFile {
   bool readUpToEndMark(std::uint64_t at, std::string& text);
 
   platform::binaryFile file_;
+  bool isUnreadable_ = false;  // there, but not to be opened
   layout layout_ = layout::dbase3;
   std::uint64_t size_ = 0;
   std::uint64_t blockSize_ = 0;

@@ -34,6 +34,9 @@ class recordSource {
   const char* record(std::uint32_t live);
   static constexpr std::size_t padding = 16;
 
+  /// Whether the file could not be read to its end.
+  bool hasFailed() const { return file_.hasFailed(); }
+
   /// Number of live records, at most mostRecords.
   std::uint32_t count();
 

@@ -40,6 +40,8 @@ class tableSource {
   const std::vector<fileDbf::tableField>& fields() const { return header_.fields; }
   std::int32_t count() { return static_cast<std::int32_t>(records_.count()); }
 
+  bool hasFailed() const { return records_.hasFailed() || (memos_ && memos_->hasFailed()); }
+
   const char* text(std::uint32_t field, std::int32_t record, bool& hasValue) {
     hasValue = false;
     if (memos_) memos_->beginPass();
@@ -130,7 +132,7 @@ vo_dbf* vo_dbf_open_w(const wchar_t* path, int mode, int) {
   platform::binaryFile file;
   if (path == nullptr || mode != openForReading || !file.openForReading(path)) return nullptr;
   std::optional<fileDbf::tableHeader> header = fileDbf::readHeader(file);
-  if (!header) return nullptr;
+  if (!header || file.hasFailed()) return nullptr;
   auto table = std::make_unique<vo_dbf>();
   table->source = std::make_unique<tableSource>(std::move(file), std::move(*header), path);
   return table.release();
@@ -165,6 +167,10 @@ const char* vo_dbf_get_str(vo_dbf* table, uint32_t field, int32_t record,
 
 const vo_dbf_value* vo_dbf_get_record(vo_dbf* table, int32_t record) {
   return table == nullptr || table->source == nullptr ? nullptr : table->source->record(record);
+}
+
+bool vo_dbf_has_failed(const vo_dbf* table) {
+  return table != nullptr && table->source != nullptr && table->source->hasFailed();
 }
 
 vo_dbf* vo_dbf_create_w(const wchar_t* path, uint32_t count, int kind, const dbfFieldDef* fields,

@@ -23,6 +23,9 @@ class recordSource {
 
   std::uint64_t count() const { return count_; }
 
+  /// Whether the file could not be read where records are.
+  bool hasFailed() const { return file_.hasFailed(); }
+
   /// The bytes of a record, which live until the next call; `padding` more may be read.
   /// @return null when there is no such record
   const char* record(std::uint64_t number);

@@ -83,7 +83,7 @@ vo_mm_tbl_reader* vo_mm_tbl_reader_open(const wchar_t* path) {
   platform::binaryFile file;
   if (path == nullptr || !file.openForReading(path)) return nullptr;
   std::optional<tableHeader> header = readHeader(file);
-  if (!header) return nullptr;
+  if (!header || file.hasFailed()) return nullptr;
   return new vo_mm_tbl_reader(std::move(*header), std::move(file));
 }
 
@@ -128,6 +128,10 @@ const vo_mm_value* vo_mm_tbl_reader_get_values(vo_mm_tbl_reader* table, int64_t 
   if (table->records.endsProperly(record, static_cast<std::uint64_t>(row)))
     takeValues(*table, record);
   return table->values.data();
+}
+
+bool vo_mm_tbl_reader_has_failed(const vo_mm_tbl_reader* table) {
+  return table != nullptr && table->records.hasFailed();
 }
 
 unsigned vo_mm_tbl_reader_get_code_page(const vo_mm_tbl_reader* table) {

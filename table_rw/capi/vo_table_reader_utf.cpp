@@ -301,6 +301,10 @@ int32_t vo_table_reader_field_num_u16(vo_table_reader* reader, const uint16_t* n
   return fieldNumber(reader, name);
 }
 
+bool vo_table_reader_is_whole(vo_table_reader* reader) {
+  return reader != nullptr && object(reader)->isWhole();
+}
+
 int32_t vo_table_reader_field_type(vo_table_reader* reader, uint64_t index) {
   if (reader == nullptr || index >= object(reader)->fieldCount()) return -1;
   return object(reader)->fieldType(static_cast<std::size_t>(index));

@@ -96,6 +96,12 @@ VOK_API bool vo_table_reader_table_list_u8(vo_table_reader* reader, vo_text_list
 /* The same in UTF-16. */
 VOK_API bool vo_table_reader_table_list_u16(vo_table_reader* reader, vo_text_list* list);
 
+/* Whether the last read or list of tables has met the end of its source. false: the disk or the network failed in
+ * between, and what is there is only what was read before. vo_table_reader_read answers true then all the same for
+ * text, as it does for every file that opens; a host that must not take a part for the whole asks here. true before
+ * the first read; false for null. */
+VOK_API bool vo_table_reader_is_whole(vo_table_reader* reader);
+
 /* Every field name. */
 VOK_API bool vo_table_reader_field_list_u8(vo_table_reader* reader, vo_text_list* list);
 /* The same in UTF-16. */

@@ -66,6 +66,8 @@ tableReader* makeByFirstLine(tableReaderOptions options) {
     textFileReader file;
     if (!file.open(options.path, options.encoding)) return makeDummyReader(std::move(options));
     readTextLine(file, firstLine);
+    // WHY no delimited text: it may be a table of Petrel's whose first line nobody has seen.
+    if (file.file.hasFailed()) return makeDummyReader(std::move(options));
   }
   if (tableReader* reader = makeFirst(isMarkedBy, firstLine, options)) return reader;
   options.file_type = fileTypeCsv;

@@ -21,6 +21,8 @@ std::uint64_t tableReader::fieldCount() const { return fieldNames_.size(); }
 
 std::uint64_t tableReader::count() const { return rows_.rowCount(); }
 
+bool tableReader::isWhole() const { return isWhole_; }
+
 bool tableReader::isOK() const { return ok_; }
 
 void tableReader::fieldList(std::vector<std::wstring>& out) const { out = fieldNames_; }

@@ -85,6 +85,11 @@ class VOK_API tableReader {
   std::uint64_t count() const;       ///< number of rows
   bool isOK() const;                 ///< whether the last read could open the source
 
+  /// False when the source opened, but could not be read to its end by the last read or list of tables (the disk or
+  /// the network failed): what is there is only what was read before. Readers of text answer true from their reads
+  /// then all the same.
+  bool isWhole() const;
+
   /// `out` becomes a copy of the field names.
   void fieldList(std::vector<std::wstring>& out) const;
   /// Index of the first field of this name; -1 when there is none.
@@ -146,6 +151,7 @@ class VOK_API tableReader {
   valueTable rows_;                       ///< the values of the last read
   std::vector<std::uint64_t> errors_;     ///< numbers of rejected lines, in order
   std::int32_t rowLimit_ = -1;            ///< of the read at hand; -1: no limit
+  bool isWhole_ = true;                   ///< the answer of isWhole
 
  private:
   bool hasColumns(const std::vector<indexCondition>& conditions) const;

@@ -1,7 +1,6 @@
 #include "table_rw/readers/csvBlockParser.h"
 
 #include <bit>
-#include <limits>
 #include <string>
 #include <string_view>
 
@@ -10,15 +9,13 @@
 namespace tableRW {
 namespace {
 
-constexpr std::size_t longestLine = std::numeric_limits<std::int32_t>::max();
 static_assert(textStep <= textModeInput::readAhead && textStep <= valueTable::writeAhead);
 
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-// ASCII characters that the byte masks can stand for; a line end or the end of the file cannot.
+// ASCII characters that the byte masks can stand for; those of a line end cannot.
 bool isPlainMark(const std::wstring& text) {
-  return text.size() == 1 && text[0] > 0 && text[0] < 0x80 && text[0] != L'\n' &&
-         text[0] != L'\r' && text[0] != 0x1A;
+  return text.size() == 1 && text[0] > 0 && text[0] < 0x80 && text[0] != L'\n' && text[0] != L'\r';
 }
 
 constexpr std::uint64_t below(unsigned bit) { return (std::uint64_t{1} << bit) - 1; }
@@ -46,7 +43,7 @@ class csvBlockParser::scan {
         return number_;
       }
       rebase();
-      if (file_.buffered().size() > longestLine) return number_;
+      if (file_.buffered().size() > parser_.longestLine_) return number_;
       lastBlock = !file_.fillMore();
     }
     file_.skip(lineStart_);
@@ -291,8 +288,9 @@ class csvBlockParser::scan {
   bool doubtNext_ = false;
 };
 
-csvBlockParser::csvBlockParser(const tableReaderOptions& options, unsigned codePage)
-    : dataPosition_(options.data_position) {
+csvBlockParser::csvBlockParser(const tableReaderOptions& options, unsigned codePage,
+                               std::size_t longestLine)
+    : dataPosition_(options.data_position), longestLine_(longestLine) {
   if (!isPlainMark(options.delimiter)) return;
   if (!options.quote.empty() && !isPlainMark(options.quote)) return;
   if (options.quote == options.delimiter) return;

@@ -4,7 +4,8 @@
 // It takes the lines for which that gives what the literal way gives (read a line, decode it, split it),
 // and leaves each of the others to its caller, line by line:
 //   - lines that hold a NUL byte,
-//   - lines of broken UTF-8, and of ASCII with bytes from 80 on.
+//   - lines of broken UTF-8, and of ASCII with bytes from 80 on,
+//   - lines too long for their offsets.
 // It takes none at all when the delimiter is no single ASCII character, the quote is not one or none, or
 // the code page is neither UTF-8 nor one whose bytes are ASCII and single characters.
 //
@@ -16,6 +17,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "table_rw/core/tableReaderOptions.h"
@@ -28,8 +30,12 @@ namespace tableRW {
 
 class csvBlockParser {
  public:
+  static constexpr std::size_t longestText = std::numeric_limits<std::int32_t>::max();
+
   /// @param codePage  the file's code page, the system's one resolved
-  csvBlockParser(const tableReaderOptions& options, unsigned codePage);
+  /// @param longestLine  in bytes; tests choose a small one
+  csvBlockParser(const tableReaderOptions& options, unsigned codePage,
+                 std::size_t longestLine = longestText);
 
   /// Reads data lines from where the file stands, adds their rows and lists the rejected ones, up to a line
   /// that has to be read the literal way or to the end of the file.
@@ -49,6 +55,7 @@ class csvBlockParser {
   textKind kind_ = textKind::none;
   textMarks marks_ = {};
   std::uint64_t dataPosition_;
+  std::size_t longestLine_;
   singleByteDecoder decoder_;
 };
 

@@ -87,6 +87,7 @@ bool tableReader_csv::readFile() {
   errors_.clear();
   textFileReader source;
   ok_ = source.open(options_.path, options_.encoding);
+  isWhole_ = true;
   if (!ok_) return false;
 
   const std::int64_t header = options_.header_position;
@@ -112,6 +113,8 @@ bool tableReader_csv::readFile() {
     if (number > header) addRecord(line, static_cast<std::uint64_t>(number), values);
   }
   fieldTypes_.assign(fieldNames_.size(), fldText);
+  // ODD: a source that opened was read, also when it could not be read to its end: hosts show what there is.
+  isWhole_ = !source.file.hasFailed();
   return true;
 }
 
@@ -154,7 +157,8 @@ bool tableReader_csv::rejectedRecords(const std::function<bool(const rejectedRec
     std::uint64_t start = 0;
     while (number <= wanted) {
       start = source.file.taken();
-      if (!readTextLine(source, record.text)) return true;  // the file has become shorter
+      if (!readTextLine(source, record.text))
+        return !source.file.hasFailed();  // or it has become shorter
       ++number;
     }
     parceString(record.text, values);
@@ -162,6 +166,7 @@ bool tableReader_csv::rejectedRecords(const std::function<bool(const rejectedRec
     record.valueCount = values.size();
     record.offset = positions.of(start);
     record.size = positions.of(source.file.taken()) - record.offset;
+    if (source.file.hasFailed() || positions.hasFailed()) return false;
     if (!receive(record)) break;
   }
   return true;

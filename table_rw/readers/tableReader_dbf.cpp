@@ -65,12 +65,14 @@ bool tableReader_dbf::readFile() {
   rows_.clear();
   errors_.clear();
   ok_ = false;
+  isWhole_ = true;
   const tablePointer table = openTable(options_.path);
   if (table == nullptr) return false;
   readFields(table.get());
   readRecords(table.get());
-  ok_ = true;
-  return true;
+  isWhole_ = !vo_dbf_has_failed(table.get());
+  ok_ = isWhole_;
+  return ok_;
 }
 
 void tableReader_dbf::readFields(vo_dbf* table) {

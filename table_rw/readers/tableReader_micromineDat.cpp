@@ -53,6 +53,7 @@ bool tableReader_micromineDat::read() {
   fieldNames_.clear();
   rows_.clear();
   ok_ = false;
+  isWhole_ = true;
   std::unique_ptr<vo_mm_tbl_reader, decltype(&vo_mm_tbl_reader_close)> table(
       vo_mm_tbl_reader_open(options_.path.c_str()), &vo_mm_tbl_reader_close);
   if (table == nullptr) return false;
@@ -62,8 +63,9 @@ bool tableReader_micromineDat::read() {
     return true;
   }
   readRecords(table.get());
-  ok_ = true;
-  return true;
+  isWhole_ = !vo_mm_tbl_reader_has_failed(table.get());
+  ok_ = isWhole_;
+  return ok_;
 }
 
 void tableReader_micromineDat::setTable(std::wstring) {}

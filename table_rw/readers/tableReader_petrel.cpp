@@ -40,9 +40,12 @@ bool tableReader_petrel::read() {
   rows_.clear();
   textFileReader source;
   ok_ = source.open(options_.path, encodingCp1251);
+  isWhole_ = true;
   if (!ok_) return false;
   readHeader(source);
   if (!headersOnly_) readRows(source);
+  // ODD: true, too, of a file that could not be read to its end: hosts show what there is.
+  isWhole_ = !source.file.hasFailed();
   return true;
 }
 
@@ -53,9 +56,11 @@ void tableReader_petrel::tableList(std::vector<std::wstring>& list) {
   list.clear();
   textFileReader source;
   ok_ = source.open(options_.path, options_.encoding);
+  isWhole_ = true;
   if (!ok_) return;
   std::wstring line;
   readTextLine(source, line);
+  isWhole_ = !source.file.hasFailed();
   // ODD: the name begins at the tenth character wherever the marker stands; hosts have stored such names.
   const bool named = line.find(marker) != std::wstring::npos;
   list.push_back(named ? line.substr(marker.size()) : L"petrel");

@@ -78,6 +78,7 @@ bool tableReader_sqlite::read() {
   fieldNames_.clear();
   rows_.clear();
   namesAreWhole_ = true;
+  isWhole_ = true;
   if (!ok_ || !readFields()) return false;
   // ODD: of a missing table too, without fields: hosts ask for the fields first.
   if (headersOnly_) return true;
@@ -117,9 +118,11 @@ void tableReader_sqlite::setTable(std::wstring name) { options_.table = std::mov
 
 void tableReader_sqlite::tableList(std::vector<std::wstring>& list) {
   list.clear();
+  isWhole_ = true;
   if (!ok_) return;
   const ownedQuery query = makeQuery(*database_, L"SELECT distinct(tbl_name) FROM sqlite_master");
   while (query && query->next()) list.push_back(query->get_as_wstring(0));
+  isWhole_ = query && !query->has_failed();
 }
 
 capability_options tableReader_sqlite::get_capabilities() { return {true, true, true, false}; }

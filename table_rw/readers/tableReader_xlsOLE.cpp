@@ -36,9 +36,22 @@ std::wstring sheetFile(const std::wstring& path) {
 
 // What the converter may leave behind for a source that ends in .xls.
 // ODD: in these letters alone: older converters leave it for no other.
-void removeIntermediate(const std::wstring& path) {
-  if (path.ends_with(L".xls")) platform::removeFile(inTemporaryFolder(stemOf(path) + L".xlsx"));
+std::wstring intermediateFile(const std::wstring& path) {
+  return path.ends_with(L".xls") ? inTemporaryFolder(stemOf(path) + L".xlsx") : std::wstring();
 }
+
+// Calls something when it goes, however that comes about.
+template <class Work>
+class atTheEnd {
+ public:
+  explicit atTheEnd(Work work) : work_(work) {}
+  atTheEnd(const atTheEnd&) = delete;
+  atTheEnd& operator=(const atTheEnd&) = delete;
+  ~atTheEnd() { work_(); }
+
+ private:
+  Work work_;
+};
 
 // Runs the converter and waits. @return false when it could not be started
 // ODD: it is waited for as long as it takes, and how it ends does not matter: what it has done is seen from its
@@ -93,32 +106,32 @@ capability_options tableReader_xlsOLE::get_capabilities() { return {true, false,
 
 void tableReader_xlsOLE::tableList(std::vector<std::wstring>& out) {
   out.clear();
+  isWhole_ = true;
   const std::wstring file = listFile(options_.path);
   if (!runConverter(sheetListCommandLine(options_.path, vo_options_get_temp_wpath()))) return;
+  const atTheEnd cleared([&file] { platform::removeFile(file); });
   if (!platform::fileExists(file)) return;
-  {
-    textFileReader source;
-    ok_ = source.open(file, encodingUtf8);
-    std::wstring line;
-    if (ok_ && readTextLine(source, line)) splitTextInto(line, delimiter, true, out);
-  }
-  platform::removeFile(file);
+  textFileReader source;
+  ok_ = source.open(file, encodingUtf8);
+  std::wstring line;
+  if (ok_ && readTextLine(source, line)) splitTextInto(line, delimiter, true, out);
+  isWhole_ = !source.file.hasFailed();
 }
 
 bool tableReader_xlsOLE::readData() {
-  if (!prepareCSV()) return false;
+  const atTheEnd cleared([this] { clearTemp(); });
   // ODD: the direction is looked at behind the conversion: its files go in any case.
-  const bool isRead = options_.direction == 0 && readVertical();
-  clearTemp();
-  return isRead;
+  return prepareCSV() && options_.direction == 0 && readVertical();
 }
 
 bool tableReader_xlsOLE::prepareCSV() {
+  std::wstring sheet = sheetFile(options_.path);
+  std::wstring intermediate = intermediateFile(options_.path);
   if (!runConverter(sheetCommandLine(options_, headersOnly_, vo_options_get_temp_wpath())))
     return false;
-  if (headersOnly_ || platform::fileExists(sheetFile(options_.path))) return true;
-  removeIntermediate(options_.path);
-  return false;
+  sheetFile_ = std::move(sheet);
+  intermediateFile_ = std::move(intermediate);
+  return headersOnly_ || platform::fileExists(sheetFile_);
 }
 
 bool tableReader_xlsOLE::readVertical() {
@@ -126,7 +139,8 @@ bool tableReader_xlsOLE::readVertical() {
   rows_.clear();
   errors_.clear();
   textFileReader source;
-  ok_ = source.open(sheetFile(options_.path), encodingUtf8);
+  ok_ = source.open(sheetFile_, encodingUtf8);
+  isWhole_ = true;
   if (!ok_) return false;
   if (headersOnly_) options_.header_position = 0;
   const std::int64_t header = options_.header_position;
@@ -144,6 +158,8 @@ bool tableReader_xlsOLE::readVertical() {
       addRecord(static_cast<std::uint64_t>(number), values);
     }
   }
+  // ODD: true, too, of a text file that could not be read to its end: hosts show what there is.
+  isWhole_ = !source.file.hasFailed();
   return true;
 }
 
@@ -171,38 +187,34 @@ void tableReader_xlsOLE::addRecord(std::uint64_t number, const std::vector<std::
   rows_.endRow();
 }
 
-void tableReader_xlsOLE::clearTemp() {
-  removeIntermediate(options_.path);
-  platform::removeFile(sheetFile(options_.path));
+void tableReader_xlsOLE::clearTemp() noexcept {
+  for (std::wstring* const file : {&intermediateFile_, &sheetFile_}) {
+    if (!file->empty()) platform::removeFile(*file);
+    file->clear();
+  }
 }
 
 bool tableReader_xlsOLE::rejectedRecords(
     const std::function<bool(const rejectedRecord&)>& receive) {
   if (options_.direction != 0 || errors_.empty()) return false;
-  const bool before = std::exchange(headersOnly_, false);
-  const bool isPrepared = prepareCSV();
-  headersOnly_ = before;
-  if (!isPrepared) return false;
-  bool isRead = false;
-  {
-    textFileReader source;
-    isRead = source.open(sheetFile(options_.path), encodingUtf8);
-    rejectedRecord record;
-    std::uint64_t number = 0;
-    bool goesOn = isRead;
-    for (std::size_t i = 0; goesOn && i < errors_.size(); ++i) {
-      while (goesOn && number <= errors_[i]) {
-        goesOn = readTextLine(source, record.text);
-        ++number;
-      }
-      if (!goesOn) break;
-      record.line = errors_[i];
-      record.valueCount = splitText(record.text, delimiter, false).size();
-      goesOn = receive(record);
-    }
+  const atTheEnd cleared([this, before = headersOnly_] {
+    clearTemp();
+    headersOnly_ = before;
+  });
+  headersOnly_ = false;
+  textFileReader source;
+  if (!prepareCSV() || !source.open(sheetFile_, encodingUtf8)) return false;
+  rejectedRecord record;
+  std::uint64_t number = 0;
+  for (const std::uint64_t wanted : errors_) {
+    for (; number <= wanted; ++number)
+      if (!readTextLine(source, record.text))
+        return !source.file.hasFailed();  // it has become shorter
+    record.line = wanted;
+    record.valueCount = splitText(record.text, delimiter, false).size();
+    if (!receive(record)) break;
   }
-  clearTemp();
-  return isRead;
+  return true;
 }
 
 }  // namespace tableRW

@@ -45,13 +45,15 @@ class tableReader_xlsOLE : public tableReader {
   bool readData();
   bool prepareCSV();
   bool readVertical();
-  void clearTemp();
+  void clearTemp() noexcept;
 
   void numberFields(std::size_t count);
   void nameFields(const std::vector<std::wstring>& names);
   void addRecord(std::uint64_t number, const std::vector<std::wstring>& values);
 
   bool headersOnly_ = false;
+  std::wstring sheetFile_;         // what the converter may have left, until clearTemp
+  std::wstring intermediateFile_;  // the same; empty where it leaves none
 };
 
 /// The command line that asks the converter for the list of sheets.

@@ -25,6 +25,9 @@ class sourcePositions {
 
   bool open(const std::wstring& path) { return file_.openForReading(path); }
 
+  /// Whether a read has failed, so that the offsets behind it are wrong.
+  bool hasFailed() const { return file_.hasFailed(); }
+
   /// The offset in the file at which `folded` bytes have been handed out, before a CR that is taken there.
   /// @param folded  not less than in the call before
   std::uint64_t of(std::uint64_t folded);

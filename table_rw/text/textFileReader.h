@@ -32,7 +32,8 @@ struct textFileReader {
 
 /// Reads one line, decodes it and removes one LF and then one CR from its end; nothing else is trimmed.
 /// @param line  cleared first, also at the end of the file
-/// @return false when nothing more could be read; a read error looks the same
+/// @return false when nothing more could be read; a read error looks the same, but for
+/// reader.file.hasFailed()
 bool readTextLine(textFileReader& reader, std::wstring& line);
 
 }  // namespace tableRW

@@ -67,6 +67,7 @@ bool textModeInput::fillMore() {
     }
     block_.advance(foldLineEnds(start, size));
   }
+  std::memset(block_.room(readAhead), 0, readAhead);
   return block_.size() > before;
 }
 

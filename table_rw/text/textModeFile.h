@@ -1,7 +1,7 @@
 // Files in text mode, as the Windows C runtime reads and writes them, on both targets.
 //
 // Reading: CR LF becomes LF; a CR before anything else stays, also at the end of the file; the byte 0x1A
-// ends the file wherever it stands. Read errors look like the end of the file.
+// ends the file wherever it stands. Read errors look like the end of the file; hasFailed tells them apart.
 // Writing: every LF becomes CR LF, so text that already holds CR LF gets CR CR LF.
 //
 // One object belongs to one thread at a time.
@@ -34,8 +34,8 @@ class textModeInput {
   /// @return bytes read; 0 at the end of the file
   std::size_t getChunk(char* buffer, std::size_t capacity);
 
-  /// The bytes that lie ready, line ends folded. At least `readAhead` bytes behind them may be read too,
-  /// whatever they hold. Valid until the next call of anything else here.
+  /// The bytes that lie ready, line ends folded. At least `readAhead` bytes behind them may be read too;
+  /// they are zero or the file's. Valid until the next call of anything else here.
   std::string_view buffered() const { return {block_.data() + next_, block_.size() - next_}; }
   static constexpr std::size_t readAhead = 64;
 
@@ -55,6 +55,9 @@ class textModeInput {
   /// Whether a read has met the end of the file, as the C function feof tells it: after a last line
   /// that ends in LF only the next read does.
   bool atEnd() const { return atEnd_; }
+
+  /// Whether a read of the file last opened has failed, so that its end may not be what was met.
+  bool hasFailed() const { return file_.hasFailed(); }
 
  private:
   std::size_t blockSize_;

@@ -116,6 +116,8 @@ internal static class CSharpTest
         Throws<FileNotFoundException>("missing", "there is no file",
                                       () => Table.Read(Path.Combine(folder, "gone.csv")));
         Throws<TableException>("damaged", "cannot be read as a table", () => Table.Read(Write("d.dbf", "\x03")));
+        if (File.Exists("/proc/self/mem"))  // opens, and gives an error when it is read
+            Throws<TableException>("a failing disk", "could not be read to its end", () => Table.Read("/proc/self/mem", new TableOptions { FileType = FileType.Csv }));
     }
 
     private static void Database()

@@ -171,6 +171,11 @@ class Failures(PackageTest):
             self.vok.read_table(self.file("damaged.dbf", b"\x03"))
         with self.assertRaisesRegex(self.vok.ReadError, "cannot be read"):
             self.vok.read_table(self.folder, file_type="csv")
+        # Opens, and gives an error when it is read.
+        with self.assertRaisesRegex(self.vok.ReadError, "mem could not be read to its end"):
+            self.vok.read_table("/proc/self/mem", file_type="csv")
+        with self.assertRaisesRegex(self.vok.ReadError, "mem could not be read to its end"):
+            self.vok.Table("/proc/self/mem", file_type="petrel").tables()
 
     def test_options(self):
         for options, message in (

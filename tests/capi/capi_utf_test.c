@@ -78,6 +78,7 @@ static void reads_the_example(const char* folder, vo_text_list* list) {
   CHECK(vo_table_reader_field_num_u8(reader, name) == 5);
   CHECK(vo_table_reader_field_num_u16(reader, well) == 0);
   CHECK(vo_table_reader_field_type(reader, 0) == 0);
+  CHECK(vo_table_reader_is_whole(reader));
 
   CHECK(vo_table_reader_column_u8(reader, 2, list));
   CHECK(vo_text_list_count(list) == 5);
@@ -125,6 +126,7 @@ static void null_handles(vo_text_list* list) {
   CHECK(vo_table_reader_field_num_u8(NULL, "x") == -1);
   CHECK(vo_table_reader_field_num_u16(NULL, wide) == -1);
   CHECK(vo_table_reader_field_type(NULL, 0) == -1);
+  CHECK(!vo_table_reader_is_whole(NULL));
   CHECK(!vo_table_reader_value_index_u8(NULL, 0, 0, list));
   CHECK(!vo_table_reader_value_index_u16(NULL, 0, 0, list));
   CHECK(!vo_table_reader_value_name_u8(NULL, "x", 0, list));

@@ -310,6 +310,7 @@ const encodeRow encodeRows[] = {
     encodeRow{"UTF-8 beyond the BMP",                        65001,           L"\U0001F600",             wideIsUtf16 ? 2 : 1, 4,  4},
     encodeRow{"UTF-8 beyond the BMP, room for three",        65001,           L"\U0001F600",             wideIsUtf16 ? 2 : 1, 3,
               0                                                                                                                    },
+    encodeRow{"UTF-8 half of a pair at the end",             65001,           L"A\xD83D\xDE00",          2,                   9,  4},
     encodeRow{"UTF-8 length 0",                              65001,           L"AB",                     0,                   9,  0},
     encodeRow{"UTF-8 negative length",                       65001,           L"\x0416",                 -1,                  9,  3},
     encodeRow{"UTF-8 NUL in the middle",                     65001,           L"A\0\x0416",              3,                   9,  4},

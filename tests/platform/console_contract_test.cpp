@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/codePageData.h"
+#include "tests/support/failingAllocations.h"
 #include "tests/support/streamRedirection.h"
 #include "tests/support/targetSystem.h"
 #include "tests/support/temporaryFolder.h"
@@ -107,6 +108,20 @@ TEST(console, textWaitsForTheFlush) {
   const std::string bytes = captured(standardStream::output, [] { return true; });
   EXPECT_EQ(testSupport::readFile(folder.file(L"stream")), "");
   EXPECT_EQ(bytes, "later");
+}
+
+TEST(console, theLastWordNeedsNoMemory) {
+  const temporaryFolder folder;
+  bool failed = false;
+  {
+    streamRedirection redirection(standardStream::error);
+    ASSERT_TRUE(redirection.toFile(folder.file(L"f")));
+    const testSupport::failingAllocation failing(0);
+    platform::writeLastWord(standardStream::error, "not enough memory for this table\n");
+    failed = failing.hasFailed();
+  }
+  EXPECT_FALSE(failed);
+  EXPECT_EQ(testSupport::readFile(folder.file(L"f")), "not enough memory for this table\n");
 }
 
 TEST(console, aClosedPipeIsReportedUntilTheFlush) {

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <utility>
 
+#include "tests/support/failingAllocations.h"
 #include "tests/support/targetSystem.h"
 #include "tests/support/temporaryFolder.h"
 
@@ -485,6 +486,52 @@ TEST_F(files, appendingCreatesNothing) {
   EXPECT_FALSE(file.openForAppending(folder_.file(L"f")));
   EXPECT_FALSE(file.isOpen());
   EXPECT_FALSE(platform::fileExists(folder_.file(L"f")));
+}
+
+// --- failures ---
+
+TEST_F(files, aFailedReadIsToldFromTheEnd) {
+  binaryFile file;
+  char byte = 0;
+  ASSERT_TRUE(file.openForWriting(folder_.file(L"f")));
+  ASSERT_TRUE(file.write("ab", 2));
+  EXPECT_FALSE(file.hasFailed());
+  EXPECT_EQ(file.readAt(0, &byte, 1), 0u) << "it was opened for writing alone";
+  EXPECT_TRUE(file.hasFailed());
+  binaryFile moved(std::move(file));
+  EXPECT_TRUE(moved.hasFailed());
+  moved.close();
+  EXPECT_TRUE(moved.hasFailed()) << "until the next opening";
+  ASSERT_TRUE(moved.openForReading(folder_.file(L"f")));
+  EXPECT_FALSE(moved.hasFailed());
+  EXPECT_EQ(moved.readAt(1, &byte, 1), 1u);
+  EXPECT_EQ(moved.read(&byte, 1), 0u);
+  EXPECT_EQ(moved.readAt(100, &byte, 1), 0u);
+  EXPECT_EQ(moved.size(), 2u);
+  EXPECT_FALSE(moved.hasFailed()) << "the end is no failure";
+}
+
+TEST_F(files, removingNeedsNoMemory) {
+  const std::wstring file = folder_.file(std::wstring(60, L'x') + L"\x416");
+  const std::wstring folder = folder_.file(L"a folder with a name that is long enough");
+  const std::wstring missing = folder_.file(std::wstring(5000, L'\x416'));
+  writeFile(file, "");
+  ASSERT_TRUE(platform::createFolder(folder));
+  bool removed = false;
+  bool removedFolder = false;
+  bool removedMissing = true;
+  {
+    const testSupport::failingAllocation failing(0);
+    removed = platform::removeFile(file);
+    removedFolder = platform::removeFolder(folder);
+    removedMissing = platform::removeFile(missing);
+    EXPECT_FALSE(failing.hasFailed());
+  }
+  EXPECT_TRUE(removed);
+  EXPECT_TRUE(removedFolder);
+  EXPECT_FALSE(removedMissing);
+  EXPECT_FALSE(platform::fileExists(file));
+  EXPECT_FALSE(platform::folderExists(folder));
 }
 
 }  // namespace

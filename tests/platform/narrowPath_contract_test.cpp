@@ -1,10 +1,11 @@
-// Narrow paths: one behaviour on both targets, in the locale "C", in which the tests run.
+// Narrow paths: one behaviour on both targets, in the locale "C".
 #include "platform/narrowPath.h"
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <string>
+
+#include "tests/support/localeSetter.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ using platform::longestNarrowPath;
 
 class narrowPath : public testing::Test {
  protected:
-  void SetUp() override { ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), "C"); }
+  const testSupport::localeSetter inC_{"C"};
 };
 
 TEST_F(narrowPath, asciiHasOne) {

@@ -74,4 +74,24 @@ TEST(blockSizes, doNotShowInTheRows) {
   }
 }
 
+TEST(blockSizes, aLineTooLongForTheFastWayIsLeftToTheOther) {
+  const temporaryFolder folder;
+  const std::string longLine = std::string(300, 'x') + ";y\n";
+  const std::wstring path = folder.write(L"t.csv", "1;2\n3;4\n" + longLine + "5;6\n");
+  textModeInput input(64);
+  ASSERT_TRUE(input.open(path));
+  tableRW::csvBlockParser parser(testSupport::csvOptions().forFile(path), platform::utf8CodePage,
+                                 200);
+  tableRW::valueTable rows;
+  std::vector<std::uint64_t> errors;
+  EXPECT_EQ(parser.addRecords(input, 1, 2, rows, errors), 3U);
+  EXPECT_EQ(rows.rowCount(), 2U);
+  EXPECT_EQ(rows.text(1, 1), L"4");
+  std::array<char, 400> line;
+  EXPECT_EQ(std::string(line.data(), input.getChunk(line.data(), line.size())), longLine);
+  EXPECT_EQ(parser.addRecords(input, 4, 2, rows, errors), 5U);
+  EXPECT_EQ(rows.text(2, 1), L"6");
+  EXPECT_EQ(input.getChunk(line.data(), line.size()), 0U);
+}
+
 }  // namespace

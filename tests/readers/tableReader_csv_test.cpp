@@ -343,6 +343,15 @@ TEST(tableReader_csv, delimiters) {
   expectTables(withDelimiter(L"\n"), {
                                          Row{"never found", "a;b\n1\n", "fields a;b  rows 1  ok"},
   });
+  expectTables(withDelimiter(L"\x1A"),
+               {
+                   Row{"the end of the file", "a;b\n1\n2\x1A!\n", "fields a;b  rows 1 / 2  ok"},
+  });
+  expectTables(withDelimiter(L"\r"),
+               {
+                   Row{"CR, but for the one before the LF", "a\rb\r\r\n1\r2\n3\r4\r\r\n\r\r\r\n",
+                       "fields a|b  rows 1|2 / 3|4  ok"},
+  });
   expectTables(withDelimiter(L"\""),
                {
                    Row{"the quote itself", "a\"b\n1\"2\n", "fields a|b  rows 1|2  ok"},

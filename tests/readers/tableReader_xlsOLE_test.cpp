@@ -11,6 +11,7 @@
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "tests/support/environmentSetter.h"
+#include "tests/support/failingAllocations.h"
 #include "tests/support/mainModule.h"
 #include "tests/support/ownedReader.h"
 #include "tests/support/tableText.h"
@@ -394,6 +395,44 @@ TEST(tableReader_xlsOLE, isBuiltForItsNumber) {
   options.file_type = tableRW::fileTypeXlsConverter;
   const testSupport::ownedReader reader = testSupport::openReader(options);
   EXPECT_NE(dynamic_cast<tableReader_xlsOLE*>(reader.get()), nullptr);
+}
+
+// --- short memory ---
+
+TEST_F(converterReader, nothingIsLeftWhateverAllocationFails) {
+  converterWrites(L"a.csv", L"a value that needs memory of its own$b\n1$2\n3\n");
+  tableReader_xlsOLE reader(optionsFor(L"a.xls"));
+  std::vector<std::wstring> list;
+  const std::function<void()> calls[] = {
+      [&] { reader.read(); },
+      [&] { reader.tableList(list); },
+      [&] { reader.rejectedRecords([](const tableRW::rejectedRecord&) { return true; }); },
+  };
+  // A process for each number takes its time under Wine.
+  const std::size_t step = testSupport::onWindows ? 9 : 1;
+  for (std::size_t call = 0; call < std::size(calls); ++call) {
+    converterWrites(call == 1 ? L"a_tabList.csv" : L"a.csv", L"a$b\n1$2\n3\n");
+    if (call == 2) {
+      ASSERT_TRUE(reader.read());
+    }
+    bool failed = true;
+    for (std::size_t number = 0; failed; number += step) {
+      ASSERT_LT(number, 10000u);
+      {
+        const testSupport::failingAllocation failing(number);
+        try {
+          calls[call]();
+        } catch (const std::bad_alloc&) {
+          EXPECT_TRUE(failing.hasFailed());
+        }
+        failed = failing.hasFailed();
+      }
+      ASSERT_TRUE(temporaryFolderIsEmpty()) << call << ' ' << number;
+    }
+  }
+  converterWrites(L"a.csv", L"a$b\n1$2\n3\n");
+  EXPECT_TRUE(reader.read());
+  EXPECT_EQ(reader.count(), 1u);
 }
 
 }  // namespace

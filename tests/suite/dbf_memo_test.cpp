@@ -108,6 +108,18 @@ TEST(dbfMemo, visualFoxProKeepsTheNumberInFourBytes) {
   EXPECT_EQ(testSupport::recordsOf(table.get()), "first / ~");
 }
 
+TEST(dbfMemo, ofTwoMemoFilesTheOneOfTheTablesKindIsTaken) {
+  const testSupport::temporaryFolder folder;
+  folder.write(L"t.dbt", filled("", 8 * 512) + "dBASE\x1A");
+  folder.write(L"t.fpt", foxPro(1, 5));
+  for (const unsigned version : {0x83u, 0x03u, 0xF5u, 0x30u, 0x31u, 0x32u}) {
+    const testSupport::ownedDbf table = testSupport::openDbf(
+        folder.write(L"t.dbf", dbfBuilder("M M10", version).record("         8").bytes()));
+    const bool dbase = version == 0x83 || version == 0x03;
+    EXPECT_EQ(testSupport::recordsOf(table.get()), dbase ? "dBASE" : "first") << version;
+  }
+}
+
 // Blocks that point at themselves and at each other: there are no links to follow.
 TEST(dbfMemo, nothingGoesRoundInCircles) {
   const testSupport::temporaryFolder folder;

@@ -104,6 +104,10 @@ const std::vector<row> rows = {
     row{"time", 0x30, "A T8", littleEndian(2451962, 4) + littleEndian(3661000, 4), "2001-02-21 01:01:01", 9},
     row{"time, a millisecond too early", 0x30, "A T8", littleEndian(2451962, 4) + littleEndian(32948999, 4), "2001-02-21 09:09:09", 9},
     row{"time rounded to the next day", 0x30, "A T8", littleEndian(2451962, 4) + littleEndian(86399999, 4), "2001-02-22 00:00:00", 9},
+    row{"half a second is rounded up", 0x30, "A T8", littleEndian(2451962, 4) + littleEndian(3661500, 4), "2001-02-21 01:01:02", 9},
+    row{"less is not", 0x30, "A T8", littleEndian(2451962, 4) + littleEndian(3661499, 4), "2001-02-21 01:01:01", 9},
+    row{"a time of the next day", 0x30, "A T8", littleEndian(2451962, 4) + littleEndian(172799000, 4), "2001-02-22 23:59:59", 9},
+    row{"two days of milliseconds are no time", 0x30, "A T8", littleEndian(2451962, 4) + littleEndian(172800000, 4), "~", 9},
     row{"midnight", 0x30, "A T8", littleEndian(2440588, 4) + littleEndian(0, 4), "1970-01-01 00:00:00", 9},
     row{"no time", 0x30, "A T8", std::string(8, '\0'), "~", 9},
     row{"blank time", 0x30, "A T8", "        ", "~", 9},
@@ -147,6 +151,7 @@ const std::vector<row> rows = {
     row{"null integer", 0x30, "A I4?, _NullFlags 01", "\x01\0\0\0\x01"s, "~", 7},
     row{"null varying text: the second bit", 0x32, "A V4?, _NullFlags 01", "san\x02\x03"s, "~", 0},
     row{"varying text that could be null", 0x32, "A V4?, _NullFlags 01", "san\x02\x01"s, "sa", 0},
+    row{"a field that cannot be null has no bit", 0x30, "A C4, B C2?, _NullFlags 01", "sandab\x01"s, "sand", 1},
     row{"flags that are too short say nothing", 0x30, "A C4?, _NullFlags 00, B C1", "sand\x01"s, "sand", 1},
     row{"the flag byte means nothing in dBASE III", 0x03, "A C4?, F 01", "sand\x01"s, "sand", 1},
 };

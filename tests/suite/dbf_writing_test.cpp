@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "suite/file_dbf/dbfLanguages.h"
 #include "suite/file_dbf/dbfPaths.h"
 #include "suite/file_dbf/dbfTarget.h"
 #include "tests/support/openedDbf.h"
@@ -167,15 +168,15 @@ TEST_F(dbfWriting, utf8IsCutAtAWholeCharacter) {
   EXPECT_EQ(stored(fieldOf("A", 'C', 5), wide("ЖЖЖ").c_str()), "ЖЖ ");
   EXPECT_EQ(stored(fieldOf("A", 'C', 4), wide("a\U0001F600").c_str()), "a   ");
   EXPECT_EQ(stored(fieldOf("A", 'C', 5), wide("a\U0001F600").c_str()), "a\U0001F600");
+  const wchar_t twoSurrogates[] = {L'a', 0xD83D, 0xDE00, L'\0'};
+  EXPECT_EQ(stored(fieldOf("A", 'C', 4), twoSurrogates), "a   ");
+  EXPECT_EQ(stored(fieldOf("A", 'C', 5), twoSurrogates), "a\U0001F600");
   EXPECT_EQ(readFile(folder_.file(L"t.cpg")), "UTF-8");
   EXPECT_EQ(stored(fieldOf("A", 'C', 4), wide("ЖЖЖ").c_str()), "ЖЖ");
 }
 
-TEST_F(dbfWriting, surrogatesInUtf8) {
+TEST_F(dbfWriting, halfAPairInUtf8) {
   ASSERT_EQ(vo_options_set_system_code_page(65001), 1);
-  EXPECT_EQ(stored(fieldOf("A", 'C', 5), L"\xD83D\xDE00"), "\U0001F600 ")
-      << "a pair is one character";
-  EXPECT_EQ(stored(fieldOf("A", 'C', 3), L"\xD83D\xDE00"), "   ") << "and is never cut";
   EXPECT_EQ(stored(fieldOf("A", 'C', 6), L"\xD83D\xFF21"), "\uFFFD\uFF21");
   EXPECT_EQ(stored(fieldOf("A", 'C', 4),
                    L"\xD83D"
@@ -210,6 +211,50 @@ TEST_F(dbfWriting, theHeaderTellsTheCodePage) {
     const auto beside = readFile(folder_.file(L"t.cpg"));
     EXPECT_EQ(beside.value_or("none"), each.beside == nullptr ? "none" : each.beside);
   }
+}
+
+TEST_F(dbfWriting, aTableWhoseCodePageCannotBeToldIsNotCreated) {
+  ASSERT_EQ(vo_options_set_system_code_page(65001), 1);
+  ASSERT_TRUE(platform::createFolder(folder_.file(L"t.cpg"))) << "no file can be written there";
+  EXPECT_EQ(createDbf(path_, {fieldOf("A", 'C', 3)}), nullptr);
+  EXPECT_FALSE(platform::fileExists(path_));
+}
+
+TEST(dbfLanguages, driversOfTheCodePages) {
+  struct page {
+    unsigned number;
+    unsigned char driver;
+  };
+  for (const page& each : {
+           page{437,   0x01},
+           page{850,   0x02},
+           page{1252,  0x03},
+           page{852,   0x64},
+           page{866,   0x65},
+           page{865,   0x66},
+           page{861,   0x67},
+           page{737,   0x6A},
+           page{857,   0x6B},
+           page{950,   0x78},
+           page{949,   0x79},
+           page{936,   0x7A},
+           page{932,   0x7B},
+           page{874,   0x7C},
+           page{1255,  0x7D},
+           page{1256,  0x7E},
+           page{1250,  0xC8},
+           page{1251,  0xC9},
+           page{1254,  0xCA},
+           page{1253,  0xCB},
+           page{1257,  0xCC},
+           page{1258,  0   },
+           page{20127, 0   },
+           page{65001, 0   }
+  })
+    EXPECT_EQ(fileDbf::languageDriverOf(each.number), each.driver) << each.number;
+  EXPECT_EQ(fileDbf::codePageText(1258), "1258");
+  EXPECT_EQ(fileDbf::codePageText(20127), "US-ASCII");
+  EXPECT_EQ(fileDbf::codePageText(65001), "UTF-8");
 }
 
 TEST_F(dbfWriting, theWholeFile) {
@@ -292,13 +337,6 @@ TEST_F(dbfWriting, whatCannotBeCreated) {
   EXPECT_FALSE(create(path_, 1, 0, &good, 0)) << "exists";
   EXPECT_EQ(vo_dbf_get_nf(openDbf(path_).get()), 2046u) << "and is still there";
   EXPECT_TRUE(create(path_, 1, 0, &good, 1));
-}
-
-TEST_F(dbfWriting, withoutItsCodePageBesideItThereIsNoTable) {
-  ASSERT_EQ(vo_options_set_system_code_page(1258), 1);
-  ASSERT_TRUE(platform::createFolder(folder_.file(L"t.cpg")));
-  EXPECT_EQ(createDbf(path_, {fieldOf("A", 'C', 3)}), nullptr);
-  EXPECT_FALSE(platform::fileExists(path_));
 }
 
 TEST_F(dbfWriting, aHandleIsForReadingOrForWriting) {
@@ -462,6 +500,24 @@ class failingOutput final : public fileDbf::tableOutput {
   int failAt_;
   int writes_ = 0;
 };
+
+// Takes everything but the number of records.
+class outputWithoutCount final : public fileDbf::tableOutput {
+ public:
+  bool write(std::uint64_t at, const char*, std::size_t) override { return at != 4; }
+};
+
+TEST(dbfFailingDisk, aCountThatIsNotWrittenEndsTheWriting) {
+  const dbfFieldDef field = fieldOf("A", 'C', 200);
+  fileDbf::tableTarget target(std::make_unique<outputWithoutCount>(),
+                              *fileDbf::writableFields(&field, 1), 1251);
+  constexpr int records = 4000;  // several blocks
+  int taken = 0;
+  while (taken < records && target.addRecords(1)) ++taken;
+  EXPECT_GT(taken, 0);
+  EXPECT_LT(taken, records);
+  EXPECT_FALSE(target.isSound());
+}
 
 TEST(dbfFailingDisk, whatTheFileHoldsThenAreWholeRecords) {
   const testSupport::temporaryFolder folder;

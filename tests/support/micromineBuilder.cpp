@@ -1,6 +1,7 @@
 #include "tests/support/micromineBuilder.h"
 
 #include <bit>
+#include <charconv>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
@@ -30,17 +31,17 @@ std::string rightAligned(std::string text, std::size_t width) {
   return text.size() < width ? std::string(width - text.size(), ' ') + text : text;
 }
 
+// WHY not strtod: its point is the locale's. Nothing, `nan` and `inf` stand for themselves.
+template <class Number>
+Number numberOf(const std::string& value) {
+  Number number = std::numeric_limits<Number>::quiet_NaN();
+  std::from_chars(value.data(), value.data() + value.size(), number);
+  return number;
+}
+
 std::string binary(const std::string& value, char type, std::size_t width) {
-  if (type == 'R') {
-    const double number = value.empty() ? std::numeric_limits<double>::quiet_NaN()
-                                        : std::strtod(value.c_str(), nullptr);
-    return little(std::bit_cast<std::uint64_t>(number), width);
-  }
-  if (type == 'F') {
-    const float number = value.empty() ? std::numeric_limits<float>::quiet_NaN()
-                                       : std::strtof(value.c_str(), nullptr);
-    return little(std::bit_cast<std::uint32_t>(number), width);
-  }
+  if (type == 'R') return little(std::bit_cast<std::uint64_t>(numberOf<double>(value)), width);
+  if (type == 'F') return little(std::bit_cast<std::uint32_t>(numberOf<float>(value)), width);
   if (value.empty()) return little(std::uint64_t{1} << (8 * width - 1), width);
   return little(static_cast<std::uint64_t>(std::strtoll(value.c_str(), nullptr, 10)), width);
 }

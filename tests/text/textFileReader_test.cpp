@@ -262,7 +262,9 @@ TEST(textFileReader, openingAgainBeginsAtTheStart) {
   ASSERT_TRUE(reader.open(path, utf8));
   readTextLine(reader, line);
   readTextLine(reader, line);
+  EXPECT_EQ(reader.encoding, utf8);
   ASSERT_TRUE(reader.open(path, cp1251));
+  EXPECT_EQ(reader.encoding, cp1251);
   EXPECT_TRUE(readTextLine(reader, line));
   EXPECT_EQ(line, L"\u041F");
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/reference/textTwin.h"
+#include "tests/support/lostFile.h"
 #include "tests/support/tableText.h"
 #include "tests/support/temporaryFolder.h"
 
@@ -157,6 +158,7 @@ TEST(textModeInput, opensAndCloses) {
   std::array<char, 100> buffer;
   textModeInput file;
   EXPECT_FALSE(file.isOpen());
+  EXPECT_EQ(file.taken(), 0U);
   EXPECT_EQ(file.getChunk(buffer.data(), buffer.size()), 0U);
   ASSERT_TRUE(file.open(first));
   EXPECT_TRUE(file.isOpen());
@@ -225,6 +227,19 @@ TEST(textModeOutput, openingReplacesAndClosesTheFileBefore) {
   EXPECT_TRUE(file.close());
   EXPECT_EQ(testSupport::readFile(first), "1\r\n");
   EXPECT_EQ(testSupport::readFile(folder.file(L"second.txt")), "2\r\n");
+}
+
+TEST(textModeOutput, aFileThatCannotBeClosedHasLostBytes) {
+  const temporaryFolder folder;
+  const std::wstring path = folder.file(L"output.txt");
+  textModeOutput file;
+  ASSERT_TRUE(file.open(path));
+  if (!testSupport::loseFile(path)) GTEST_SKIP() << "no file can be lost here";
+  EXPECT_FALSE(file.close());
+  EXPECT_FALSE(file.isOpen());
+  EXPECT_FALSE(file.close()) << "it stays lost";
+  ASSERT_TRUE(file.open(path));
+  EXPECT_TRUE(file.close()) << "until the next one";
 }
 
 TEST(textModeOutput, aFileThatCannotBeCreated) {

@@ -37,9 +37,23 @@ TEST(utf8, aPairIsOneCharacterOnlyWhereWideTextIsUtf16) {
   EXPECT_EQ(wideFromUtf8(bytes), element(0xD83D) + element(0xDE00));
 }
 
+TEST(utf8, elementsThatAreNoCharacterStandBehindAByteFF) {
+  if (sizeof(wchar_t) == 2) GTEST_SKIP() << "every element is a unit of UTF-16 here";
+  EXPECT_EQ(utf8FromWide(element(0x110000)), "\xFF\x80\x80\x84\x90\x80\x80");
+  EXPECT_EQ(utf8FromWide(element(0xFFFFFFFF)), "\xFF\x83\xBF\xBF\xBF\xBF\xBF");
+}
+
 TEST(utf8, neverOutgrowsItsBound) {
   for (const std::uint32_t code : {0x61U, 0x7FFU, 0xFFFFU, 0xD800U, 0x10FFFFU, 0xFFFFFFFFU})
     EXPECT_LE(utf8FromWide(element(code)).size(), tableRW::longestUtf8Element) << code;
+}
+
+TEST(utf8, charactersBeyondTheBmpSurviveInLongText) {
+  for (const wchar_t* const character :
+       {L"\U00010000", L"\U0001F600", L"\U0003FFFF", L"\U00040000", L"\U0010FFFF"}) {
+    const std::wstring text = std::wstring(100, L'a') + character + L'b';
+    EXPECT_EQ(wideFromUtf8(utf8FromWide(text)), text) << testSupport::printable(character);
+  }
 }
 
 TEST(utf8, randomTextSurvives) {

@@ -41,7 +41,8 @@ class OdbcCase(CaseTest):
 
     def configure(self, drivers="", sources=""):
         self.write({"etc/odbcinst.ini": drivers, "etc/odbc.ini": sources})
-        self.environment = {"ODBCSYSINI": self.path("etc"), "ODBCINI": self.path("etc/odbc.ini")}
+        # Text passes through the system's code page, and the databases hold letters of many.
+        self.environment = {"ODBCSYSINI": self.path("etc"), "ODBCINI": self.path("etc/odbc.ini"), "LC_ALL": "C.UTF-8"}
 
     def configure_access(self):
         self.configure(f"[{ACCESS_DRIVER}]\nDriver={MDBTOOLS}\n",
@@ -61,10 +62,13 @@ class OdbcCase(CaseTest):
 class RealDatabases(OdbcCase):
     """Every table of every database, value by value."""
 
+    def judge(self, *command):
+        """What a program of mdbtools prints; in UTF-8, since it reads its own command line by the locale."""
+        return subprocess.run(command, env=dict(os.environ, LC_ALL="C.UTF-8"), capture_output=True,
+                              check=True).stdout.decode("utf-8")
+
     def exported(self, path, table):
-        text = subprocess.run(
-            ["mdb-export", "-D", "%Y-%m-%d %H:%M:%S", "-T", "%Y-%m-%d %H:%M:%S", "-b", "hex", path, table],
-            capture_output=True, check=True).stdout.decode("utf-8")
+        text = self.judge("mdb-export", "-D", "%Y-%m-%d %H:%M:%S", "-T", "%Y-%m-%d %H:%M:%S", "-b", "hex", path, table)
         rows = list(csv.reader(io.StringIO(text, newline="")))
         # Rows whose values are all empty are left out here.
         rows = rows[:1] + [row for row in rows[1:] if any(row)]
@@ -77,8 +81,7 @@ class RealDatabases(OdbcCase):
         return not Settings.is_windows() or all(table.isascii() for table in self.tables(path))
 
     def tables(self, path):
-        return subprocess.run(["mdb-tables", "-1", path], capture_output=True,
-                              check=True).stdout.decode("utf-8").splitlines()
+        return self.judge("mdb-tables", "-1", path).splitlines()
 
     def given(self, *arguments):
         return [line.split("\t") for line in self.tool("cat", *arguments).out.decode("utf-8").split("\n")[:-1]]

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <clocale>
 #include <filesystem>
 #include <memory>
 #include <new>
@@ -20,6 +19,7 @@
 #include "table_rw/writers/tableWriter.h"
 #include "tests/support/environmentSetter.h"
 #include "tests/support/failingAllocations.h"
+#include "tests/support/localeSetter.h"
 #include "tests/support/tableText.h"
 #include "tests/support/targetSystem.h"
 #include "tests/support/temporaryFolder.h"
@@ -307,7 +307,7 @@ TEST_F(tableWriterXls, delimiterTypesAndWidthsHaveNoSay) {
 }
 
 TEST_F(tableWriterXls, cyrillicTargetsInTheLocaleC) {
-  ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+  const testSupport::localeSetter inC("C");
   ASSERT_TRUE(platform::createFolder(folder_.file(L"\x041F\x0430\x043F\x043A\x0430 1")));
   EXPECT_EQ(cellsOf(written({L"A"}, {{L"1"}},
                             L"\x041F\x0430\x043F\x043A\x0430 1/\x0421\x043A\x0432.xlsx")),

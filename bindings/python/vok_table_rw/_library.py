@@ -55,6 +55,7 @@ SIGNATURES = {
     "vo_table_reader_table_list_u8": (BOOL, [HANDLE, HANDLE]),
     "vo_table_reader_field_list_u8": (BOOL, [HANDLE, HANDLE]),
     "vo_table_reader_field_count": (UINT, [HANDLE]),
+    "vo_table_reader_is_whole": (BOOL, [HANDLE]),
     "vo_table_reader_field_type": (INT, [HANDLE, UINT]),
     "vo_table_reader_count": (UINT, [HANDLE]),
     "vo_table_reader_value_index_u8": (BOOL, [HANDLE, UINT, UINT, HANDLE]),

@@ -205,7 +205,9 @@ class Table:
 
     def tables(self) -> List[str]:
         """The names of the tables (sheets) in the source."""
-        return self._filled(self._library.vo_table_reader_table_list_u8)
+        names = self._filled(self._library.vo_table_reader_table_list_u8)
+        self._whole()
+        return names
 
     def choose_table(self, name: str) -> "Table":
         """Chooses the table for the next read; the results of the last one stay."""
@@ -240,7 +242,7 @@ class Table:
 
     def _checked(self, answer: bool) -> "Table":
         if answer:
-            return self
+            return self._whole()
         if not os.path.exists(self._path):
             raise FileNotFoundError(f"there is no file {self._path}")
         hint = "see `vok_table doctor` for what the file or this machine lacks"
@@ -248,6 +250,11 @@ class Table:
             hint = f"workbooks need {CONVERTER} beside the library; " + hint
         raise ReadError(f"{self._path} cannot be read as a table: check file_type, encoding, header_position "
                         f"and the table's name; {hint}")
+
+    def _whole(self) -> "Table":
+        if not self._library.vo_table_reader_is_whole(self._handle):
+            raise ReadError(f"{self._path} could not be read to its end: the disk or the network failed")
+        return self
 
     # ---- fields ----
 

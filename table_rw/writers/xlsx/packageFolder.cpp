@@ -1,7 +1,6 @@
 #include "table_rw/writers/xlsx/packageFolder.h"
 
 #include <algorithm>
-#include <new>
 #include <utility>
 
 #include "platform/environment.h"
@@ -17,14 +16,7 @@ packageFolder::packageFolder(packageDisk& disk) : disk_(disk) {
            std::to_wstring(platform::clockCount());
 }
 
-packageFolder::~packageFolder() {
-  try {
-    remove();
-  } catch (const std::bad_alloc&) {
-    // A destructor has nobody to tell it to; the folder of a process without memory stays.
-    made_.clear();
-  }
-}
+packageFolder::~packageFolder() { remove(); }
 
 std::wstring packageFolder::prepare(const std::wstring& part) {
   if (made_.empty()) createTop();

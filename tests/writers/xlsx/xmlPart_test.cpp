@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <string>
 
 #include "table_rw/writers/xlsx/xmlText.h"
 #include "tests/support/failingDisk.h"
+#include "tests/support/localeSetter.h"
 #include "tests/support/targetSystem.h"
 #include "tests/support/temporaryFolder.h"
 
@@ -86,7 +86,7 @@ TEST_F(xmlParts, aPartThatWasNotOpenedIsNotWhole) {
 }
 
 TEST_F(xmlParts, pathsWithoutNarrowBytesAreRefused) {
-  ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+  const testSupport::localeSetter inC("C");
   EXPECT_FALSE(part_.open(folder_.file(L"\x0416.xml")));
   EXPECT_FALSE(part_.close());
   EXPECT_FALSE(platform::fileExists(folder_.file(L"\x0416.xml")));
