@@ -333,7 +333,8 @@ TEST(capiCompanions, search) {
   EXPECT_EQ(textsOf(list), texts{});
   EXPECT_FALSE(vo_table_reader_search_u8(handle, "WELL", nullptr, values, 1, list.get()));
   EXPECT_FALSE(vo_table_reader_search_u8(handle, "WELL", columns, nullptr, 1, list.get()));
-  const std::uint16_t* const well = pointerTo(u"WELL");
+  const units name = u"WELL";
+  const std::uint16_t* const well = pointerTo(name);
   EXPECT_FALSE(vo_table_reader_search_u16(handle, well, nullptr, wideValues, 1, list.get()));
   EXPECT_FALSE(vo_table_reader_search_u16(handle, well, columns, nullptr, 1, list.get()));
   ASSERT_TRUE(vo_table_reader_search_u16(handle, well, nullptr, nullptr, 0, list.get()));
