@@ -449,6 +449,7 @@ TEST_F(tableWriterXls, aReadOnlyTemp) {
 }
 
 TEST_F(tableWriterXls, aCyrillicTempHasNoNarrowPathInTheLocaleC) {
+  const testSupport::localeSetter inC("C");
   const std::wstring path = folder_.file(L"\x0412\x0440\x0435\x043C");
   ASSERT_TRUE(platform::createFolder(path));
   const environmentSetter cyrillic(L"TEMP", path);
