@@ -114,27 +114,27 @@ class Folder(InstallTest):
         os.rename(self.path("first"), self.path("second"))
         return self.path("second")
 
-    def library_folder(self, prefix):
+    def folder_of_library(self, prefix):
         pattern = "**/vok_table_rw_vc.dll" if is_windows() else "**/libvok_table_rw_vc.so.1"
         return os.path.dirname(glob.glob(os.path.join(prefix, pattern), recursive=True)[0])
 
     def test_cmake(self):
         prefix = self.install()
-        self.check_cmake(prefix, self.library_folder(prefix))
+        self.check_cmake(prefix, self.folder_of_library(prefix))
 
     def test_pkg_config(self):
         if is_windows() or shutil.which("pkg-config") is None:
             self.skipTest("pkg-config is not installed, or not for this target")
         prefix = self.install()
         self.check_pkg_config(glob.glob(os.path.join(prefix, "lib*", "**", "pkgconfig"), recursive=True)[0],
-                              self.library_folder(prefix))
+                              self.folder_of_library(prefix))
 
     def test_snippets_of_the_readme(self):
         """The C and C++ of README.md compile as they stand, but for what a host does with values."""
         if is_windows() or shutil.which("pkg-config") is None:
             self.skipTest("pkg-config is not installed, or not for this target")
         prefix = self.install()
-        environment = dict(os.environ, LD_LIBRARY_PATH=self.library_folder(prefix), LC_ALL="C.UTF-8",
+        environment = dict(os.environ, LD_LIBRARY_PATH=self.folder_of_library(prefix), LC_ALL="C.UTF-8",
                            PKG_CONFIG_PATH=glob.glob(os.path.join(prefix, "lib*", "**", "pkgconfig"), recursive=True)[0])
         shutil.copytree(os.path.join(GIVEN.source, "examples"), self.path("examples"))
         flags = run("pkg-config", "--cflags", "--libs", "vok_table_rw", env=environment).strip()
