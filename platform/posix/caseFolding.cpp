@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "platform/codePages.h"
-#include "platform/posix/codePageTables.h"
+#include "platform/posix/lowerCaseTable.h"
 
 namespace platform {
 namespace {

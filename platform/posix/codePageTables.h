@@ -1,4 +1,4 @@
-// The single-byte code pages and the small letters as data, for the POSIX converters.
+// The single-byte code pages as data, for the POSIX converters. Letter case is in lowerCaseTable.h.
 //
 // The data stand in codePageTables.cpp, which generate_code_pages.py writes. Bytes 00 to 7F are
 // ASCII in every page, in both directions.
@@ -23,19 +23,9 @@ struct singleByteCodePage {
   const std::uint8_t* blockOf;  // for each run of encodeBlockSize units of the BMP, its block
 };
 
-/// A capital letter and its small one.
-struct lowerCasePair {
-  char16_t capital;
-  char16_t small;
-};
-
 extern const singleByteCodePage singleByteCodePages[];
 extern const std::size_t singleByteCodePageCount;
 extern const std::uint8_t encodeBlocks[][encodeBlockSize];
-
-/// Sorted by capital.
-extern const lowerCasePair lowerCasePairs[];
-extern const std::size_t lowerCasePairCount;
 
 /// The byte of a unit of the BMP: exact, else best fit, else `?`.
 inline std::uint8_t encodedUnit(const singleByteCodePage& page, char16_t unit) {

@@ -87,7 +87,7 @@ class VOK_API tableReader {
 
   /// False when the source opened, but could not be read to its end by the last read or list of tables (the disk or
   /// the network failed): what is there is only what was read before. Readers of text answer true from their reads
-  /// then all the same.
+  /// then all the same; after a read that answered false there is nothing to ask.
   bool isWhole() const;
 
   /// `out` becomes a copy of the field names.
