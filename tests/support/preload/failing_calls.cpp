@@ -9,7 +9,8 @@
 //                        "counted N" from each process that ends as a program does
 //
 // mmap stands for mprotect too, and malloc for calloc, realloc and their kin; neither asks for a folder.
-// Counting begins with main: what fails before it, the C++ runtime ends the program for.
+// Counting begins with main: what fails before it, the C++ runtime ends the program for. It ends with main, too: what
+// a runtime does behind it, such as keeping records of what was run, may break where memory fails.
 // A call from within the C library itself is not seen: what a program writes through FILE is none of this.
 // One thread alone; Linux with glibc alone.
 #ifndef _GNU_SOURCE
@@ -174,7 +175,9 @@ static mainFunction programsMain = nullptr;
 
 static int countedMain(int count, char** values, char** environment) {
   begin();
-  return programsMain(count, values, environment);
+  const int code = programsMain(count, values, environment);
+  end();
+  return code;
 }
 
 int __libc_start_main(mainFunction main, int count, char** values, void (*first)(), void (*last)(),
