@@ -88,7 +88,7 @@ def run_gcov(arguments):
 def read_counters():
     command = ["gcovr", "--root", ROOT, "--object-directory", BUILD, "-j", JOBS, "--json", RECORD,
                "--gcov-executable", os.path.abspath(__file__) + " gcov",
-               "--exclude-throw-branches", "--exclude-unreachable-branches", "--exclude", GENERATED,
+               "--exclude-throw-branches", "--exclude-unreachable-branches", "--exclude", GENERATED, "--exclude", ".*/public_include/",
                "--exclude-branches-by-pattern", ".*_mm_"]  # calls that are single instructions: no branch at all
     for folder in FOLDERS:
         command += ["--filter", folder + "/"]

@@ -27,17 +27,14 @@ std::string nameOf(const char* bytes, std::size_t size) {
   return std::string(name);
 }
 
-// FORMAT: a list ends with 0D; some programs write 00, or 0A as the header's last byte, or nothing.
-bool endsList(std::string_view header, std::size_t at) {
-  const auto mark = static_cast<unsigned char>(header[at]);
-  return mark == descriptorsEnd || mark == 0 ||
-         (mark == descriptorsEndOfSome && at + 1 == header.size());
-}
+// FORMAT: a list ends with 0D; some programs write 00, or 0A as the header's last byte, or nothing. Where nothing
+// follows there is no room for a descriptor anyway.
+bool endsList(char mark) { return mark == descriptorsEnd || mark == 0; }
 
 std::vector<descriptor> readDescriptors(std::string_view header, const descriptorLayout& layout) {
   std::vector<descriptor> list;
   for (std::size_t at = layout.first; at + layout.size <= header.size(); at += layout.size) {
-    if (endsList(header, at)) break;
+    if (endsList(header[at])) break;
     const char* const bytes = header.data() + at;
     const std::size_t length = byteAt(bytes, layout.length);
     const char type = bytes[layout.type];

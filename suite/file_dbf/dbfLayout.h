@@ -50,7 +50,6 @@ inline constexpr std::size_t fieldFlagsAt = 18;   // Visual FoxPro alone
 inline constexpr unsigned flagNullable = 0x02;
 
 inline constexpr unsigned char descriptorsEnd = 0x0D;
-inline constexpr unsigned char descriptorsEndOfSome = 0x0A;  // as the last byte of a header
 
 // --- dBASE II ---
 inline constexpr std::size_t recordCountAt2 = 1;

@@ -1,4 +1,5 @@
 // vo_odbc_*: vok_io's ODBC operations over the driver manager.
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <string>
@@ -165,7 +166,10 @@ struct Ivo_odbc_stmt {
           SQLDescribeCol(handle.get(), number, name.data(), static_cast<SQLSMALLINT>(name.size()),
                          &length, &column.type, &column.size, &decimals, &nullable);
       if (!check(result)) return false;
-      if (length < 0) length = 0;
+      // A driver that does not tell it ends the name with a NUL all the same.
+      if (length < 0)
+        length = static_cast<SQLSMALLINT>(std::find(name.begin(), name.end() - 1, SQLCHAR{0}) -
+                                          name.begin());
       const auto nameLength = static_cast<std::size_t>(length);
       if (nameLength >= name.size()) {
         name.assign(nameLength + 1, 0);

@@ -146,7 +146,7 @@ std::string_view odbcBlocks::valueAt(const boundColumn& column, std::size_t row)
 }
 
 std::string_view odbcBlocks::value(std::size_t column) const {
-  return column < columns_.size() ? valueAt(columns_[column], row_) : std::string_view();
+  return valueAt(columns_[column], row_);
 }
 
 void odbcBlocks::stop() {

@@ -61,7 +61,7 @@ class odbcBlocks {
   bool inUse() const { return rowsOfBlock_ != 0; }
   /// Goes to the next row, also after `begin`. After `unsound` there is no more.
   step next(SQLHSTMT statement);
-  /// The value of the current row; empty for NULL and for a column that is not bound. Columns count from 0.
+  /// The value of the current row; empty for NULL. Columns count from 0, and are those of `begin`.
   std::string_view value(std::size_t column) const;
   /// The rows of the blocks that were sound.
   const rowsGiven& given() const { return given_; }

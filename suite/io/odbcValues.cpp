@@ -1,7 +1,8 @@
 #include "suite/io/odbcValues.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
+#include <string_view>
 
 namespace suiteIo {
 namespace {
@@ -16,9 +17,17 @@ bool isBinary(SQLSMALLINT sqlType) {
   return sqlType == SQL_BINARY || sqlType == SQL_VARBINARY || sqlType == SQL_LONGVARBINARY;
 }
 
-std::size_t lengthUpToNul(const char* text, std::size_t most) {
-  const void* const end = std::memchr(text, '\0', most);
-  return end == nullptr ? most : static_cast<std::size_t>(static_cast<const char*>(end) - text);
+// What stands in the last bytes of the room for a piece before the driver writes there.
+constexpr std::ptrdiff_t unwrittenSize = longestPartOfCharacter + 1;
+constexpr char unwritten = '\x01';
+
+// How much text is in the room when the driver does not tell it, or has called it cut. Text may hold NULs itself; one
+// among the last bytes shows that the room was filled up, and ends the piece.
+std::size_t textLength(std::string_view room) {
+  const std::size_t last = room.find_last_of('\0');
+  if (last != std::string_view::npos && last + longestPartOfCharacter + 1 >= room.size())
+    return last;
+  return std::min(room.find('\0'), room.size() - 1);
 }
 
 std::string hexadecimal(std::string_view bytes) {
@@ -38,6 +47,7 @@ odbcValues::outcome odbcValues::readPieces(SQLHSTMT statement, SQLUSMALLINT colu
                                            SQLSMALLINT type, std::string& value) {
   const bool isText = type == SQL_C_CHAR;
   for (bool first = true;; first = false) {
+    std::fill(buffer_.end() - unwrittenSize, buffer_.end(), unwritten);
     SQLLEN left = 0;  // bytes from here to the value's end
     const SQLRETURN result = SQLGetData(statement, column, type, buffer_.data(),
                                         static_cast<SQLLEN>(buffer_.size()), &left);
@@ -51,8 +61,9 @@ odbcValues::outcome odbcValues::readPieces(SQLHSTMT statement, SQLUSMALLINT colu
     if (!isCut && left >= 0) {
       size = static_cast<std::size_t>(left);
     } else if (isText) {
-      const std::size_t length = lengthUpToNul(buffer_.data(), room);
-      if (!isCut || room - length <= longestPartOfCharacter) size = length;
+      size = textLength({buffer_.data(), buffer_.size()});
+    } else if (!isCut) {
+      return outcome::failed;  // bytes end nowhere by themselves
     }
     value.append(buffer_.data(), size);
     if (!isCut) return outcome::whole;

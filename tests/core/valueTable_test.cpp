@@ -230,6 +230,23 @@ TEST(valueTable, offsetsWidenWhereTheArenaOutgrowsThem) {
   }
 }
 
+// The same for rows that are put in whole; the room that is asked for counts, not what is used of it.
+TEST(valueTable, offsetsWidenForWholeRows) {
+  for (std::uint64_t limit = 0; limit <= 40; ++limit) {
+    valueTable table(limit);
+    std::vector<textRow> wanted;
+    for (int i = 0; i < 5; ++i) {
+      const std::string number = std::to_string(i);
+      table.addRow(3, 8, [&number](std::size_t column, char* to) {
+        return column == 1 ? to : std::copy(number.begin(), number.end(), to);
+      });
+      const std::wstring wide(number.begin(), number.end());
+      wanted.push_back({wide, L"", wide});
+    }
+    EXPECT_EQ(rowsOf(table), wanted) << "limit " << limit;
+  }
+}
+
 TEST(valueTable, takesUtf8AsItIs) {
   valueTable table;
   table.addValue(std::string_view("\xD0\x9F"));

@@ -213,6 +213,17 @@ TEST_F(odbcDatabase, anAssignedResultSharesTheStatement) {
   EXPECT_TRUE(second.get_query(L"SELECT 3")) << "the database was copied too";
 }
 
+TEST_F(odbcDatabase, aCopiedResultSharesTheStatement) {
+  connect();
+  odbc_result* const first = database_.get_query(L"SELECT 1 UNION ALL SELECT 2");
+  odbc_result second(*first);
+  ASSERT_TRUE(first->next());
+  EXPECT_EQ(second.get_as_int(0), 1);
+  database_.close_query(first);
+  EXPECT_TRUE(second.next());
+  EXPECT_EQ(second.get_as_int(0), 2) << "the last of them frees it";
+}
+
 TEST_F(odbcDatabase, transactions) {
   connect();
   ASSERT_TRUE(database_.execute_sql(L"CREATE TABLE t(a)"));

@@ -201,7 +201,7 @@ class FaultTest(unittest.TestCase):
         report = self.folder + ".report"
         environment = {"PATH": os.environ.get("PATH", ""), "LC_ALL": "C.UTF-8", "HOME": self.folder,
                        "TMPDIR": os.path.join(self.folder, "temporary"), "TEMP": os.path.join(self.folder, "temporary"),
-                       "USERNAME": "tester"}
+                       "USERNAME": "tester", "LOGNAME": "tester"}
         if call is not None:
             environment.update(LD_PRELOAD=Settings.faults, VOK_FAULT_CALL=call, VOK_FAULT_NUMBER=str(number),
                                VOK_FAULT_MODE=mode, VOK_FAULT_FOLDER=self.folder, VOK_FAULT_REPORT=report)

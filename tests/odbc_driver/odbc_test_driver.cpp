@@ -11,16 +11,26 @@
 //     no_total                         the length of a value that is cut is not told
 //     sizes    SIZE ...                the columns' sizes as they are described, right or wrong; else 0
 //     blocks   HOW                     rows are given in blocks: `well`, or as one of the ways below
-//     changes  WHAT                    from its second run on a statement finds other `values` or `columns`
+//     changes  WHAT                    from its second run on a statement finds other `values`, `columns`, `types` or
+//                                      `sizes`, or fewer `rows`
+//     values   HOW                     how values that are asked for are given: see below
+//     messages N                       of each problem there are so many messages, all but the first without a state
+//     nameless                         the lengths of names are told as -1
 //
 // Ways of giving blocks: `halved` takes half of the rows that are asked for, `doubled` takes twice as many, `untold` takes them
 // and does not tell the number when asked, `no_state` refuses the place for states. `uncounted` leaves the count
 // of rows unwritten, `unstated` the states, `unmeasured` the lengths; `short_lengths` writes 32 bits of them.
 // `warns` says that something is odd with each block, `all_or_nothing` gives no row of a block with a broken one.
+// `overcounted` tells more rows than were asked for, `untotalled` no length of values, `ends_early` gives the rows of
+// the last block and says the end.
+//
+// Ways of giving values: `untold` tells no length of what is whole; `endless` calls what is whole cut, too, until it
+// is asked for more; `unended` puts no NUL behind a piece that is cut; `none` has no value of text for anything.
+// A statement that deletes finds nothing to delete.
 //
 // Every call is a line in the file FILE.log: connect, disconnect, statement, "free statement", execute,
 // columns, describe, fetch, get, tables, bind, block. Tests count them there, and so does `fail`, over all connections.
-// Values must be asked for in the order of their columns, as strict drivers want it. A value of type -4
+// Values must be asked for in the order of their columns, as strict drivers want it. A value of type -2, -3 or -4
 // (pictures) is given as bytes alone. A data source whose name holds "Refusing" refuses every file.
 //
 // Under Wine this is a driver of the system below, and finds its files where Wine keeps the drives.
@@ -65,6 +75,9 @@ struct script {
   bool noTotal = false;
   std::string blocks;
   std::string changes;
+  std::string values;
+  int messages = 1;
+  bool nameless = false;
 };
 
 // A column that is bound.
@@ -76,6 +89,7 @@ struct place {
 
 struct diagnosed {
   std::string problem;
+  int messages = 1;
   SQLRETURN fail(const std::string& text) {
     problem = text;
     return SQL_ERROR;
@@ -149,6 +163,9 @@ void take(script& content, const textRow& words) {
   if (what == "changes") content.changes = rest.at(0);
   if (what == "broken") content.tables.back().rows.emplace_back();
   if (what == "blocks") content.blocks = rest.at(0);
+  if (what == "values") content.values = rest.at(0);
+  if (what == "messages") content.messages = std::stoi(rest.at(0));
+  content.nameless = content.nameless || what == "nameless";
   if (what == "sizes")
     for (std::size_t i = 0; i < rest.size(); ++i)
       content.tables.back().columns.at(i).size = std::stoul(rest[i]);
@@ -210,7 +227,8 @@ bool putBound(const place& to, std::size_t row, const std::optional<std::string>
   const std::size_t size = std::min(length, static_cast<std::size_t>(to.room) - 1);
   if (value) std::memcpy(text, value->data(), size);
   text[size] = '\0';
-  const SQLLEN told = value ? static_cast<SQLLEN>(length) : SQLLEN{SQL_NULL_DATA};
+  SQLLEN told = value ? static_cast<SQLLEN>(length) : SQLLEN{SQL_NULL_DATA};
+  if (value && way == "untotalled") told = SQL_NO_TOTAL;
   if (way == "short_lengths") std::memcpy(&to.lengths[row], &told, 4);
   if (way != "short_lengths" && way != "unmeasured") to.lengths[row] = told;
   return size == length;
@@ -229,8 +247,9 @@ SQLRETURN fetchBlock(statement& one) {
     for (const auto& [number, to] : one.places)
       if (!values.empty()) isWhole = putBound(to, row, values.at(number - 1U), way) && isWhole;
   }
-  if (way != "uncounted") *one.fetched = row;
-  if (row == 0) return SQL_NO_DATA;
+  if (way != "uncounted") *one.fetched = way == "overcounted" ? 2 * one.rowsOfBlock : row;
+  const bool saysTheEnd = way == "ends_early" && one.nextRow == one.result.rows.size();
+  if (row == 0 || saysTheEnd) return SQL_NO_DATA;
   return isWhole && way != "warns" ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
 }
 
@@ -252,6 +271,7 @@ SQLRETURN SQL_API SQLAllocHandle(SQLSMALLINT kind, SQLHANDLE parent, SQLHANDLE* 
   }
   auto* const made = new statement;
   made->base = base;
+  made->messages = base->content.messages;
   *handle = made;
   return SQL_SUCCESS;
 }
@@ -303,6 +323,7 @@ SQLRETURN SQL_API SQLExecDirect(SQLHSTMT handle, SQLCHAR* text, SQLINTEGER lengt
   statement& one = *asStatement(handle);
   if (!one.base->enter("execute")) return one.fail("not executed this time");
   const std::string sql = textOf(text, length);
+  if (sql.rfind("delete ", 0) == 0) return SQL_NO_DATA;
   for (const table& each : one.base->content.tables) {
     if (sql != "select * from [" + each.name + "]") continue;
     one.show(each);
@@ -310,6 +331,9 @@ SQLRETURN SQL_API SQLExecDirect(SQLHSTMT handle, SQLCHAR* text, SQLINTEGER lengt
     if (one.base->count("execute") == 1) return SQL_SUCCESS;
     if (changes == "values") one.result.rows.at(0).at(0) = "changed";
     if (changes == "columns") one.result.columns.at(0).name = "changed";
+    if (changes == "types") one.result.columns.at(0).type = SQL_DOUBLE;
+    if (changes == "sizes") one.result.columns.at(0).size += 1;
+    if (changes == "rows") one.result.rows.resize(10);
     return SQL_SUCCESS;
   }
   return one.fail("there is no table for: " + sql);
@@ -343,6 +367,7 @@ SQLRETURN SQL_API SQLDescribeCol(SQLHSTMT handle, SQLUSMALLINT number, SQLCHAR* 
   if (!one.base->enter("describe")) return one.fail("not described this time");
   const column& described = one.result.columns.at(number - 1U);
   put(described.name, name, room, length);
+  if (one.base->content.nameless) *length = -1;
   *type = described.type;
   *size = described.size;
   *decimals = 0;
@@ -403,19 +428,22 @@ SQLRETURN SQL_API SQLGetData(SQLHSTMT handle, SQLUSMALLINT number, SQLSMALLINT t
   if (number > one.lastColumn) one.offset = 0;
   one.lastColumn = number;
   const std::optional<std::string>& whole = one.result.rows[one.nextRow - 1].at(number - 1U);
-  const bool isPicture = one.result.columns[number - 1U].type == SQL_LONGVARBINARY;
-  if (isPicture && type == SQL_C_CHAR) return SQL_NO_DATA;
+  const SQLSMALLINT kind = one.result.columns[number - 1U].type;
+  const bool isPicture = kind >= SQL_LONGVARBINARY && kind <= SQL_BINARY;
+  const std::string& way = one.base->content.values;
+  if (type == SQL_C_CHAR && (isPicture || way == "none")) return SQL_NO_DATA;
   if (!whole) return *length = SQL_NULL_DATA, SQL_SUCCESS;
   if (one.offset > whole->size()) return SQL_NO_DATA;
   const std::size_t left = whole->size() - one.offset;
   const bool ends = type == SQL_C_CHAR;
   const std::size_t size = std::min(left, static_cast<std::size_t>(room) - (ends ? 1 : 0));
   std::memcpy(value, whole->data() + one.offset, size);
-  if (ends) static_cast<char*>(value)[size] = '\0';
   const bool cut = size < left;
-  *length = cut && one.base->content.noTotal ? SQLLEN{SQL_NO_TOTAL} : static_cast<SQLLEN>(left);
+  if (ends) static_cast<char*>(value)[size] = cut && way == "unended" ? '?' : '\0';
+  const bool isUntold = cut ? one.base->content.noTotal : way == "untold" || way == "endless";
+  *length = isUntold ? SQLLEN{SQL_NO_TOTAL} : static_cast<SQLLEN>(left);
   one.offset += cut ? size : left + 1;
-  return cut ? SQL_SUCCESS_WITH_INFO : SQL_SUCCESS;
+  return cut || way == "endless" ? SQL_SUCCESS_WITH_INFO : SQL_SUCCESS;
 }
 
 SQLRETURN SQL_API SQLFreeStmt(SQLHSTMT handle, SQLUSMALLINT option) {
@@ -427,10 +455,10 @@ SQLRETURN SQL_API SQLGetDiagRec(SQLSMALLINT, SQLHANDLE handle, SQLSMALLINT recor
                                 SQLINTEGER* native, SQLCHAR* text, SQLSMALLINT room,
                                 SQLSMALLINT* length) {
   const auto& source = *static_cast<diagnosed*>(handle);
-  if (record != 1 || source.problem.empty()) return SQL_NO_DATA;
-  if (state != nullptr) std::memcpy(state, "HY000", 6);
+  if (record > source.messages || source.problem.empty()) return SQL_NO_DATA;
+  if (state != nullptr) std::memcpy(state, record == 1 ? "HY000" : "\0\0\0\0\0", 6);
   if (native != nullptr) *native = 1;
-  put(source.problem, text, room, length);
+  put(record == 1 ? source.problem : "more " + std::to_string(record), text, room, length);
   return SQL_SUCCESS;
 }
 

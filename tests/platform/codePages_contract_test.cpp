@@ -330,6 +330,11 @@ TEST(codePages, encodingCountsBytes) {
   }
 }
 
+TEST(codePages, roomThatIsNowhereIsNone) {
+  EXPECT_EQ(platform::decodeCodePage(1251, "AB", 2, nullptr, 9), 0);
+  EXPECT_EQ(platform::encodeCodePage(1251, L"AB", 2, nullptr, 9), 0);
+}
+
 TEST(codePages, aNulInTheMiddleIsACharacter) {
   const std::string bytes("A\0\xC6\0", 4);
   const std::wstring text{L'A', L'\0', L'\x0416', L'\0'};

@@ -196,6 +196,18 @@ TEST(console, aTerminalTellsItsWidth) {
   EXPECT_TRUE(isTaken);
 }
 
+TEST(console, aTerminalThatDoesNotKnowItsWidth) {
+  bool isRedirected = false;
+  int width = 0;
+  {
+    streamRedirection redirection(standardStream::output);
+    isRedirected = redirection.toTerminal(0);
+    if (isRedirected) width = platform::terminalWidth(standardStream::output);
+  }
+  if (!isRedirected) GTEST_SKIP() << "the system gives no terminal here";
+  EXPECT_EQ(width, 80);
+}
+
 // --- arguments ---
 
 struct argumentRow {

@@ -433,6 +433,27 @@ TEST_F(files, aFileIsFoundWhateverTheCaseOfItsName) {
   EXPECT_EQ(nameOf(L"other"), L"other") << "the very name comes first";
 }
 
+TEST_F(files, aNameWithoutAFolderIsOfTheCurrentOne) {
+  writeFile(folder_.file(L"Wells.FPT"), "1");
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder_.path());
+  const std::wstring found = platform::findIgnoringCase(L"wells.fpt");
+  const std::wstring missing = platform::findIgnoringCase(L"wells.dbt");
+  std::filesystem::current_path(before);
+  EXPECT_EQ(found, testSupport::onWindows ? L"wells.fpt" : L"Wells.FPT");
+  EXPECT_EQ(missing, L"");
+}
+
+// A link that leads nowhere, or round in a circle, is no file.
+TEST_F(files, linksWithoutAFileAreNotFound) {
+  std::error_code failure;
+  std::filesystem::create_symlink(folder_.file(L"gone"), folder_.file(L"Wells.FPT"), failure);
+  if (failure) GTEST_SKIP() << "links cannot be created here";
+  std::filesystem::create_symlink(folder_.file(L"Round.DBT"), folder_.file(L"Round.DBT"));
+  EXPECT_EQ(platform::findIgnoringCase(folder_.file(L"wells.fpt")), L"");
+  EXPECT_EQ(platform::findIgnoringCase(folder_.file(L"round.dbt")), L"");
+}
+
 // --- positions ---
 
 TEST_F(files, seekMovesReadingAndWriting) {

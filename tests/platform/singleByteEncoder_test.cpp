@@ -8,6 +8,7 @@
 
 #include "table_rw/text/textConversion.h"
 #include "tests/support/randomNumbers.h"
+#include "tests/support/targetSystem.h"
 
 namespace {
 
@@ -48,6 +49,9 @@ TEST(singleByteEncoder, substitutesEachUnitOfAPair) {
       "??");
   EXPECT_EQ(encoded(encoder, L""), "");
   EXPECT_EQ(encoded(encoder, std::wstring(1, L'\0')), std::string(1, '\0'));
+  if (testSupport::wideIsUtf16) return;
+  EXPECT_EQ(encoded(encoder, std::wstring{L'a', static_cast<wchar_t>(0x110000), L'z'}), "a?z")
+      << "no character, and no pair";
 }
 
 // One character that is odd, at every place of texts of every length around the encoder's steps.

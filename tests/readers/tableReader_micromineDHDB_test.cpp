@@ -189,9 +189,44 @@ TEST_F(dhdbReader, valuesOfAMegabyte) {
   }
 }
 
+// Whatever a driver tells of lengths and ends.
+TEST_F(dhdbReader, longValuesOfOddDrivers) {
+  for (const char* const way : {"untold", "endless", "unended", "well"})
+    for (const char* const size :
+         {"*1*y", "*4092*y", "*4093*y", "*4094*y", "*4095*y", "*4096*y", "*5000*y", "*3000000*y"}) {
+      const odbcScript file =
+          base("no_total\nvalues\t" + std::string(way) +
+               "\ntable\tt\tTABLE\nfields\ta:-1\tb:12\nrow\t*30*x\tbefore\nrow\t" + size +
+               "\tend\nrow\tshort\tlast\n");
+      tableReader_micromineDHDB reader{tableReaderOptions(file.path())};
+      EXPECT_TRUE(reader.read());
+      ASSERT_EQ(reader.count(), 3U);
+      EXPECT_EQ(reader.value(0, 0), std::wstring(30, L'x')) << way;
+      EXPECT_TRUE(reader.value(0, 1) == std::wstring(std::stoul(size + 1), L'y')) << way << size;
+      EXPECT_EQ(reader.value(1, 1), L"end") << way << size;
+      EXPECT_EQ(reader.value(0, 2), L"short") << way << size;
+      leaks_ += file.leaks();
+    }
+}
+
 TEST_F(dhdbReader, picturesAreHexadecimal) {
-  EXPECT_EQ(read("table\tt\tTABLE\nfields\ta:-4\tb:12\nrow\tAz\tx\nrow\t\\N\ty\n"),
-            "true: fields a|b  rows 417A|x / |y  ok");
+  for (const char* const type : {"-2", "-3", "-4"})
+    EXPECT_EQ(read(std::string("table\tt\tTABLE\nfields\ta:") + type +
+                   "\tb:12\nrow\tAz\tx\nrow\t\\N\ty\n"),
+              "true: fields a|b  rows 417A|x / |y  ok");
+  EXPECT_EQ(read("values\tuntold\ntable\tt\tTABLE\nfields\ta:-4\tb:12\nrow\t\\N\tx\nrow\tAz\ty\n"),
+            "false: fields a|b  rows |x  ok")
+      << "bytes without a length have no end";
+}
+
+TEST_F(dhdbReader, aDriverWithoutValuesGivesEmptyOnes) {
+  EXPECT_EQ(read("values\tnone\ntable\tt\tTABLE\nfields\ta:4\tb:-2\nrow\t1\tx\n", L"t"),
+            "true: fields a:number|b  rows |78  ok");
+}
+
+TEST_F(dhdbReader, namesWhoseLengthIsNotTold) {
+  EXPECT_EQ(read("nameless\n" + std::string(holes), L"COLLAR"),
+            std::string("true: ") + collar + "  rows DH1|10.5| a  / DH2|| / DH3|30.5|x  ok");
 }
 
 TEST_F(dhdbReader, manyColumnsAndOddNames) {

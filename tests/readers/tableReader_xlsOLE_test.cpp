@@ -266,6 +266,40 @@ TEST_F(converterReader, rejectedRecordsAreHandedOver) {
   EXPECT_TRUE(temporaryFolderIsEmpty());
 }
 
+// They are looked for in the workbook as it is then.
+TEST_F(converterReader, rejectedRecordsOfAWorkbookThatChanges) {
+  converterWrites(L"a.csv", L"a$b\n1\n1$2\n1$2$3\n");
+  tableReader_xlsOLE reader(optionsFor(L"a.xlsx"));
+  ASSERT_TRUE(reader.read());
+  int count = 0;
+  const auto takeOne = [&count](const tableRW::rejectedRecord&) { return ++count > 1; };
+  EXPECT_TRUE(reader.rejectedRecords(takeOne));
+  EXPECT_EQ(count, 1) << "no more were wanted";
+  converterWrites(L"a.csv", L"a$b\n1\n");
+  const auto take = [&count](const tableRW::rejectedRecord&) { return ++count > 0; };
+  EXPECT_TRUE(reader.rejectedRecords(take));
+  EXPECT_EQ(count, 2) << "the other row is gone";
+  EXPECT_TRUE(temporaryFolderIsEmpty());
+  converterWrites(L"b.csv", L"");
+  EXPECT_FALSE(reader.rejectedRecords(take)) << "no workbook";
+  EXPECT_EQ(count, 2);
+}
+
+TEST_F(converterReader, noRejectedRecords) {
+  converterWrites(L"a.csv", L"a$b\n1$2\n");
+  tableReader_xlsOLE reader(optionsFor(L"a.xlsx"));
+  const auto take = [](const tableRW::rejectedRecord&) { return true; };
+  EXPECT_FALSE(reader.rejectedRecords(take)) << "nothing has been read";
+  ASSERT_TRUE(reader.read());
+  EXPECT_FALSE(reader.rejectedRecords(take)) << "there are none";
+  converterWrites(L"a.csv", L"a$b\n1\n");
+  tableReaderOptions turned = optionsFor(L"a.xlsx");
+  turned.direction = 1;
+  tableReader_xlsOLE sideways(turned);
+  sideways.read();
+  EXPECT_FALSE(sideways.rejectedRecords(take));
+}
+
 // --- files ---
 
 TEST_F(converterReader, withoutAnOutputTheReadFails) {

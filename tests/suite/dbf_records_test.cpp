@@ -196,6 +196,7 @@ TEST(dbfRecords, aNullHandleIsAccepted) {
   EXPECT_EQ(testSupport::valueOf(nullptr, 0, 0), "~");
   EXPECT_STREQ(vo_dbf_get_str(nullptr, 0, 0, nullptr), "");
   EXPECT_EQ(vo_dbf_get_record(nullptr, 0), nullptr);
+  EXPECT_FALSE(vo_dbf_has_failed(nullptr));
   EXPECT_EQ(vo_dbf_add_records(nullptr, 1), 0);
   EXPECT_EQ(vo_dbf_set_str_w(nullptr, 0, 0, L"x"), 0);
   vo_dbf_close(nullptr);

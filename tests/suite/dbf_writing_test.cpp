@@ -262,6 +262,7 @@ TEST_F(dbfWriting, theWholeFile) {
   ASSERT_EQ(vo_dbf_add_records(table.get(), 2), 1);
   EXPECT_EQ(vo_dbf_set_str_w(table.get(), 0, 0, L"one"), 1);
   EXPECT_EQ(vo_dbf_set_str_w(table.get(), 1, 1, L"2"), 1);
+  EXPECT_FALSE(vo_dbf_has_failed(table.get())) << "nothing is read of it";
   table.reset();
   const std::string bytes = readFile(path_).value_or("");
   ASSERT_EQ(bytes.size(), 32u + 64 + 1 + 2 * 9 + 1);

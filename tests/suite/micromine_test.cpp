@@ -365,6 +365,7 @@ TEST_F(micromineFile, nullHandlesDoNothing) {
   EXPECT_EQ(vo_mm_tbl_reader_get_prp_count(nullptr), 0);
   EXPECT_EQ(vo_mm_tbl_reader_get_prp_type(nullptr, 0), 0);
   EXPECT_EQ(vo_mm_tbl_reader_get_row_count(nullptr), 0);
+  EXPECT_FALSE(vo_mm_tbl_reader_has_failed(nullptr));
   EXPECT_EQ(vo_mm_tbl_reader_get_values(nullptr, 0), nullptr);
   EXPECT_EQ(vo_mm_tbl_reader_get_code_page(nullptr), 0u);
   EXPECT_EQ(nameOf(nullptr, 0), L"untouched");

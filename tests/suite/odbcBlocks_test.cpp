@@ -151,6 +151,9 @@ TEST_F(odbcBlockReader, driversThatGiveThemBadly) {
       {"unmeasured",     1},
       {"short_lengths",  1},
       {"warns",          1},
+      {"overcounted",    1},
+      {"untotalled",     1},
+      {"ends_early",     3},
       {"all_or_nothing", 4},
   };
   for (const auto& each : ways) {
@@ -195,6 +198,7 @@ TEST_F(odbcBlockReader, whichColumnsHaveABound) {
     bool inBlocks;
   } rows[] = {
       {"numbers",             "fields\ta:4\tb:8\tc:-5\td:-7\te:2",                      true },
+      {"small numbers",       "fields\ta:-6\tb:5",                                      true },
       {"dates",               "fields\ta:91\tb:92\tc:93\td:-11",                        true },
       {"text of a length",    "fields\ta:12\tb:1\tc:-8\td:-9\nsizes\t1\t4000\t255\t10", true },
       {"text of no length",   "fields\ta:4\tb:12\nsizes\t10\t0",                        false},
@@ -259,7 +263,7 @@ TEST_F(odbcBlockReader, aBlockThatFailsIsHadOneRowAtATime) {
 
 // Rows of two states of a table are never called one table.
 TEST_F(odbcBlockReader, aTableThatChangesBetweenTheRuns) {
-  for (const char* const what : {"values", "columns"}) {
+  for (const char* const what : {"values", "columns", "types", "sizes", "rows"}) {
     const outcome result = read(std::string("blocks\twell\nchanges\t") + what + "\n" +
                                 tableWith(300, "row\t7\t*100*x"));
     EXPECT_EQ(result.count, 256) << what;
@@ -288,6 +292,20 @@ TEST_F(odbcBlockReader, onlyPlainSelectsComeInBlocks) {
   const outcome result = read("blocks\twell\ntable\ta;b\tTABLE\nfields\ta:4\nrow\t1\n", "a;b");
   EXPECT_EQ(result.count, 1);
   EXPECT_EQ(result.blocks, 0);
+}
+
+TEST_F(odbcBlockReader, rowsMayComeBeforeAnybodyAsksForTheColumns) {
+  const odbcScript file(folder_.file(L"t.mdb"), "blocks\twell\n" + plainTable());
+  open(file);
+  const std::unique_ptr<Ivo_odbc_stmt, statementCloser> statement(
+      vo_odbc_connect_create_stmt(base_.get()));
+  vo_odbc_stmt_set_sql(statement.get(), "select * from [t]");
+  ASSERT_TRUE(vo_odbc_stmt_exec_direct(statement.get()));
+  ASSERT_TRUE(vo_odbc_stmt_fetch(statement.get()));
+  ASSERT_TRUE(vo_odbc_stmt_get_fields_desc(statement.get()));
+  ASSERT_TRUE(vo_odbc_stmt_fetch(statement.get()));
+  Ivo_odbc_fields* const fields = vo_odbc_stmt_get_fields(statement.get());
+  EXPECT_STREQ(vo_odbc_field_get_as_string(vo_odbc_fields_get_field(fields, 1)), "value 1");
 }
 
 TEST_F(odbcBlockReader, aStatementRunsAnythingAfterBlocks) {

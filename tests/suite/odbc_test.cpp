@@ -66,6 +66,9 @@ TEST(odbcConnectionString, fitsTheDriver) {
       {"a driver that nobody knows",                     "DSN=Other;DBQ=b.mdb;",                 "DSN=Other;DBQ=b.mdb;"          },
       {"a data source that is not there",                "DSN=Gone;DBQ=b.mdb;",                  "DSN=Gone;DBQ=b.mdb;"           },
       {"nothing",                                        "",                                     ""                              },
+      {"a word alone",                                   "DSN=Base;Trusted;DBQ=b.mdb;",          "Driver={Access};DBQ=b.mdb;"    },
+      {"a brace that is not closed",                     "Driver={Access;DBQ= b.mdb;",           "Driver={Access;DBQ= b.mdb;"    },
+      {"no file",                                        "Driver={Access};DBQ=;",                "Driver={Access};DBQ=;"         },
   };
   for (const auto& row : rows) {
     const testing::ScopedTrace trace(__FILE__, row.line, row.name);
@@ -205,6 +208,49 @@ TEST_F(odbcOperations, listsWhatTheMachineHas) {
   EXPECT_EQ(all,
             "Microsoft Access Driver (*.mdb, *.accdb)|Lost driver|Lost Excel|Refusing excel and "
             "access|Nothing of the kind|Test EXCEL Files|MS Access Tests|");
+}
+
+TEST_F(odbcOperations, whatHasNoRowsHasRun) {
+  ASSERT_TRUE(open());
+  Ivo_odbc_stmt* const statement = vo_odbc_connect_create_stmt(base_);
+  vo_odbc_stmt_set_sql(statement, "delete from [t]");
+  EXPECT_TRUE(vo_odbc_stmt_exec_direct(statement)) << "there was nothing to delete";
+  EXPECT_FALSE(vo_odbc_stmt_fetch(statement));
+  EXPECT_FALSE(vo_odbc_stmt_has_failed(statement));
+  vo_odbc_stmt_set_sql(statement, nullptr);
+  EXPECT_FALSE(vo_odbc_stmt_exec_direct(statement)) << "no SQL";
+  vo_odbc_connect_destroy_stmt(base_, statement);
+}
+
+TEST_F(odbcOperations, tablesOfAConnectionThatIsNotOpen) {
+  vo_strings* const list = vo_strings_create();
+  vo_odbc_connect_get_tables(base_, list, true);
+  EXPECT_EQ(vo_strings_get_size(list), 0U);
+  vo_strings_destroy(list);
+}
+
+// Drivers may say much; no more than eight messages are passed on.
+TEST_F(odbcOperations, severalMessagesAreLines) {
+  for (const auto& [number, last] : {
+           std::pair{"2",  "more 2"},
+           std::pair{"20", "more 8"}
+  }) {
+    const odbcScript talking(folder_.file(L"m.mdb"), std::string("messages\t") + number +
+                                                         "\ntable\tt\tTABLE\nfields\ta:4\n");
+    const std::wstring& path = talking.path();
+    ASSERT_TRUE(
+        vo_odbc_connect_open_driver(base_, nullptr,
+                                    ("Driver={Microsoft Access Driver (*.mdb, *.accdb)};DBQ=" +
+                                     std::string(path.begin(), path.end()) + ";")
+                                        .c_str()));
+    Ivo_odbc_stmt* const statement = vo_odbc_connect_create_stmt(base_);
+    vo_odbc_stmt_set_sql(statement, "select * from [u]");
+    EXPECT_FALSE(vo_odbc_stmt_exec_direct(statement));
+    const std::string message = vo_odbc_connect_get_message(base_);
+    EXPECT_NE(message.find("select * from [u] (HY000)\n"), std::string::npos) << message;
+    EXPECT_EQ(message.substr(message.rfind('\n') + 1), last) << "no state, no brackets";
+    vo_odbc_connect_destroy_stmt(base_, statement);
+  }
 }
 
 // Drivers of unixODBC speak UTF-8 whatever the system's code page is.

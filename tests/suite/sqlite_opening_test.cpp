@@ -11,6 +11,7 @@
 #include "platform/vok_io.h"
 #include "suite/io/sqliteConnection.h"
 #include "tests/support/fileLocks.h"
+#include "tests/support/namedPipe.h"
 #include "tests/support/sqliteDatabase.h"
 #include "tests/support/tableText.h"
 #include "tests/support/targetSystem.h"
@@ -88,6 +89,7 @@ const stringRow stringRows[] = {
     stringRow{"a name with an equals sign", L"a=b.sqlite", std::nullopt},
     stringRow{"a name with both signs", L"a=b;c.sqlite", std::nullopt},
     stringRow{"a semicolon before the first equals sign", L"a;Database=b", std::nullopt},
+    stringRow{"a key of blanks", L"Driver=x;  =y;Database=a;", L"a"},
     stringRow{"nothing", L"", std::nullopt},
 };
 // clang-format on
@@ -145,6 +147,33 @@ TEST(sqliteOpening, namesAreLiteral) {
     EXPECT_EQ(std::distance(begin(files), end(files)), 1) << testSupport::printable(name);
     EXPECT_EQ(answer(open(connectionString(path))), 1) << testSupport::printable(name);
   }
+}
+
+TEST(sqliteOpening, moreThanOneSeparatorAtTheBeginning) {
+  if (testSupport::onWindows) GTEST_SKIP() << "they begin the name of another machine";
+  const temporaryFolder folder;
+  sqliteDatabase(folder.file(L"a.sqlite")).run("CREATE TABLE t(a)");
+  EXPECT_EQ(answer(open(connectionString(L"/" + folder.file(L"a.sqlite")))), 0);
+  EXPECT_EQ(answer(open(connectionString(L"//" + folder.file(L"a.sqlite")))), 0);
+}
+
+TEST(sqliteOpening, aPipeIsNotWaitedFor) {
+  const temporaryFolder folder;
+  const std::wstring path = folder.file(L"pipe.sqlite");
+  if (!testSupport::makeNamedPipe(path)) GTEST_SKIP() << "no file is a pipe here";
+  EXPECT_TRUE(isRefused(path));
+  EXPECT_TRUE(isRefused(connectionString(path)));
+}
+
+TEST(sqliteOpening, theLargestPages) {
+  const temporaryFolder folder;
+  const std::wstring path = folder.file(L"a.sqlite");
+  sqliteDatabase(path).run("PRAGMA page_size=65536; CREATE TABLE t(a); INSERT INTO t VALUES(1)");
+  const std::string whole = testSupport::readFile(path).value();
+  ASSERT_EQ(whole.size(), 2 * 65536U);
+  EXPECT_EQ(answer(open(connectionString(path))), 1);
+  folder.write(L"a.sqlite", whole.substr(0, 65536));
+  EXPECT_TRUE(isRefused(connectionString(path)));
 }
 
 TEST(sqliteOpening, bothSeparatorsSeparate) {
@@ -363,6 +392,37 @@ TEST(sqliteOpening, aLinkLeadsToTheLogToo) {
   EXPECT_EQ(answer(open(connectionString(link))), 1);
   EXPECT_EQ(filesIn(folder).size(), before.size());
   EXPECT_EQ(filesIn(elsewhere).size(), 1U);
+}
+
+// The log of such a writer is empty until it writes.
+TEST(sqliteOpening, aWriterWhoHasEverythingForHimselfAndWritesNothingYet) {
+  const temporaryFolder folder;
+  const std::wstring path = folder.file(L"a.sqlite");
+  sqliteDatabase(path).run("PRAGMA journal_mode=WAL; CREATE TABLE t(a)");
+  sqliteDatabase writer(path);
+  writer.run("PRAGMA locking_mode=EXCLUSIVE; SELECT count(*) FROM t");
+  ASSERT_FALSE(platform::fileExists(path + L"-shm"));
+  EXPECT_EQ(answer(open(connectionString(path))), -1) << "after the busy timeout";
+  EXPECT_TRUE(testSupport::ownsLockOn(path));
+}
+
+// Pages may wait in a log or a journal; those that are nowhere are not made up.
+TEST(sqliteOpening, aPageThatIsMissing) {
+  const temporaryFolder folder;
+  const std::wstring path = folder.file(L"a.sqlite");
+  sqliteDatabase(path).run(
+      "CREATE TABLE t(a); INSERT INTO t SELECT zeroblob(3000) FROM "
+      "(WITH n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 50) SELECT i FROM n)");
+  const std::string whole = testSupport::readFile(path).value();
+  EXPECT_EQ(answer(open(connectionString(path)), L"SELECT count(a) FROM t"), 50);
+  folder.write(L"a.sqlite", whole.substr(0, whole.size() - 4096));
+  EXPECT_TRUE(isRefused(connectionString(path)));
+  for (const wchar_t* const beside : {L"a.sqlite-wal", L"a.sqlite-journal"}) {
+    folder.write(beside, "what is left of another");
+    EXPECT_EQ(answer(open(connectionString(path)), L"SELECT count(a) FROM t"), -1)
+        << testSupport::printable(beside);
+    platform::removeFile(folder.file(beside));
+  }
 }
 
 // The rest of the last page would come out as zeros, whatever stands beside the database.

@@ -278,6 +278,35 @@ TEST(sqlite, statementsOutliveTheirDatabase) {
 }
 
 // The engine is one and the same on both targets, with the same options.
+// What a table declares stands for the rows that it had when it was asked.
+TEST(sqlite, declaredTypesOfATableThatGrows) {
+  const ownedDatabase database = inMemory();
+  ASSERT_TRUE(vo_sqlite_db_execute(database.get(), L"CREATE TABLE t(a integer)"));
+  const ownedStatement columns = query(database, L"PRAGMA table_info(t)");
+  ASSERT_NE(columns, nullptr);
+  EXPECT_STREQ(vo_sqlite_stmt_get_utf8(columns.get(), 2, nullptr), "") << "before the first row";
+  ASSERT_TRUE(vo_sqlite_db_execute(database.get(), L"ALTER TABLE t ADD COLUMN b FLOAT"));
+  ASSERT_TRUE(vo_sqlite_stmt_next_row(columns.get()));
+  EXPECT_STREQ(vo_sqlite_stmt_get_utf8(columns.get(), 2, nullptr), "integer");
+  EXPECT_EQ(text(columns, 2), L"integer");
+  ASSERT_TRUE(vo_sqlite_stmt_next_row(columns.get()));
+  EXPECT_STREQ(vo_sqlite_stmt_get_utf8(columns.get(), 2, nullptr), "FLOAT");
+  EXPECT_FALSE(vo_sqlite_stmt_next_row(columns.get()));
+}
+
+TEST(sqlite, declaredTypesInADatabaseWithAQuoteInItsName) {
+  const ownedDatabase database = inMemory();
+  ASSERT_TRUE(vo_sqlite_db_execute(
+      database.get(), L"ATTACH ':memory:' AS [a\"b]; CREATE TABLE [a\"b].u(x integer)"));
+  for (const wchar_t* const sql : {L"PRAGMA table_info(u)", L"PRAGMA [a\"b].table_info(u)"}) {
+    const ownedStatement columns = query(database, sql);
+    ASSERT_TRUE(vo_sqlite_stmt_next_row(columns.get()));
+    EXPECT_EQ(text(columns, 2), L"integer");
+  }
+  const ownedStatement lost = query(database, L"PRAGMA nobody.table_info(u)");
+  EXPECT_FALSE(vo_sqlite_stmt_next_row(lost.get()));
+}
+
 TEST(sqlite, whatTheEngineCanDo) {
   const ownedDatabase database = inMemory();
   for (const wchar_t* const sql :

@@ -229,6 +229,17 @@ TEST(textModeOutput, openingReplacesAndClosesTheFileBefore) {
   EXPECT_EQ(testSupport::readFile(folder.file(L"second.txt")), "2\r\n");
 }
 
+TEST(textModeOutput, linesOfAFileThatIsNotOpenGoNowhere) {
+  textModeOutput file;
+  *file.room(1) = 'x';
+  file.writeLine(1);
+  const testSupport::temporaryFolder folder;
+  ASSERT_TRUE(file.open(folder.file(L"a.txt")));
+  file.write("y");
+  EXPECT_TRUE(file.close());
+  EXPECT_EQ(testSupport::readFile(folder.file(L"a.txt")), "y");
+}
+
 TEST(textModeOutput, aFileThatCannotBeClosedHasLostBytes) {
   const temporaryFolder folder;
   const std::wstring path = folder.file(L"output.txt");

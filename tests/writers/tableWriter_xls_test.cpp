@@ -345,6 +345,22 @@ TEST_F(tableWriterXls, aCopyGoesOnByItself) {
   EXPECT_EQ(cellsOf(readPackage(path)), "A|B/1|x/2|second|1") << "the last one closed wins";
 }
 
+// Without columns there is no sheet yet.
+TEST_F(tableWriterXls, aCopyOfNothingBeginsItsOwnSheet) {
+  auto first = std::make_unique<tableWriter_xls>(options({}));
+  auto second = std::make_unique<tableWriter_xls>(*first);
+  auto third = std::make_unique<tableWriter_xls>(options({L"A"}));
+  *third = *first;
+  EXPECT_TRUE(second->addRow({L"second"}));
+  EXPECT_TRUE(third->addRow({L"third"}));
+  const std::wstring path = folder_.file(L"out.xlsx");
+  first.reset();
+  second.reset();
+  EXPECT_EQ(cellsOf(readPackage(path)), "second");
+  third.reset();
+  EXPECT_EQ(cellsOf(readPackage(path)), "third");
+}
+
 TEST_F(tableWriterXls, aCopyOfLargeContent) {
   auto first = std::make_unique<tableWriter_xls>(options({L"A"}));
   std::string expected = "A";

@@ -134,7 +134,7 @@ bool zipWriter::putData(platform::binaryFile& source, member& added) {
 }
 
 bool zipWriter::fits(const member& added) const {
-  return added.size <= limits_.memberSize && added.packedSize <= limits_.memberSize &&
+  return added.packedSize <= limits_.memberSize &&
          written_ + directorySize_ + centralHeaderSize + added.name.size() <= limits_.archiveSize;
 }
 

@@ -107,7 +107,20 @@ TEST(sharedStrings, aCopyGoesOnByItself) {
   EXPECT_EQ(first.indexOf(L"first"), 3000u);
   EXPECT_EQ(second.indexOf(L"second"), 3000u);
   EXPECT_EQ(second.indexOf(L"17"), 17u);
-  EXPECT_EQ(sharedStrings(sharedStrings()).indexOf(L"x"), 0u);
+  const sharedStrings none;
+  sharedStrings copyOfNone(none);
+  EXPECT_EQ(copyOfNone.indexOf(L"x"), 0u);
+}
+
+// Their hashes agree in all that a table of this size looks at.
+TEST(sharedStrings, textsWithTheSameHashAreTold) {
+  sharedStrings strings;
+  EXPECT_EQ(strings.indexOf(L"W-20261"), 0u);
+  EXPECT_EQ(strings.indexOf(L"W-92142"), 1u);
+  EXPECT_EQ(strings.indexOf(L"W-20261"), 0u);
+  EXPECT_EQ(strings.indexOf(L"W-92142"), 1u);
+  EXPECT_EQ(strings.indexOf(L"W-95051"), 2u);
+  EXPECT_EQ(strings.indexOf(L"W-210665"), 3u);
 }
 
 TEST(sharedStrings, aTableOutOfMemoryIsAsBefore) {

@@ -309,6 +309,15 @@ TEST_F(workbook, aSheetWithoutRows) {
   EXPECT_EQ(package.of("xl/sharedStrings.xml"), "(missing)");
 }
 
+TEST_F(workbook, aRowWithoutCells) {
+  CWorkbook book;
+  CWorksheet& sheet = book.AddSheet(L"S");
+  sheet.AddRow({});
+  const zipContent package = saved(book);
+  EXPECT_NE(package.of("xl/worksheets/sheet1.xml").find("<dimension ref=\"A1\"/>"),
+            std::string::npos);
+}
+
 // ---- life and failures --------------------------------------------------------------------------
 
 TEST_F(workbook, withoutSavingNothingIsLeft) {
@@ -469,6 +478,29 @@ TEST_F(workbook, aDiskThatFills) {
   }
   EXPECT_EQ(lostDirectories, 2u) << "writing the directory, closing the file";
   EXPECT_GT(good, 60u);
+}
+
+// What stands behind the link goes, as with any target; the link itself is not the writer's.
+TEST_F(workbook, aLinkStaysWhenTheDiskFills) {
+  const std::wstring real = folder_.write(L"real.xlsx", "old");
+  std::error_code failure;
+  std::filesystem::create_symlink(real, path_, failure);
+  if (failure) GTEST_SKIP() << "links cannot be created here";
+  bool failed = true;
+  bool wasEmptied = false;
+  for (std::size_t good = 0; failed; ++good) {
+    failingDisk disk(good);
+    CWorkbook book(disk);
+    book.AddSheet(L"S").AddRow(cells({L"x"}));
+    book.Save(path_);
+    failed = disk.hasFailed();
+    EXPECT_TRUE(platform::isLink(path_)) << good;
+    const std::string content = testSupport::readFile(real).value_or("gone");
+    EXPECT_TRUE(!failed || content == "old" || content.empty()) << good;
+    wasEmptied = wasEmptied || content.empty();
+  }
+  EXPECT_TRUE(wasEmptied);
+  EXPECT_EQ(testSupport::readZip(testSupport::readFile(real).value_or("")).problem, "");
 }
 
 // A disk on which every name is taken the first time that it is asked for.

@@ -46,12 +46,12 @@ TEST_F(xmlParts, elementsAttributesAndTexts) {
 
 TEST_F(xmlParts, textAndAttributesAreEscaped) {
   ASSERT_TRUE(part_.open(path_));
-  part_.start("a").attribute("x", L"<&>\"'").text(L"<&>\"' \t\n\r \x01\x1F\xFFFE\x0416");
+  part_.start("a").attribute("x", L"<&>\"'").text(L"<&>\"' \t\n\r \x01\x1F\xFFFE\xFFFF\x0416");
   part_.end();
   EXPECT_TRUE(part_.close());
   EXPECT_EQ(written(),
             "<a x=\"&lt;&amp;&gt;&quot;'\">&lt;&amp;&gt;&quot;' \t\n\r "
-            "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xD0\x96</a>");
+            "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xD0\x96</a>");
 }
 
 TEST_F(xmlParts, bytesAreRewritten) {
@@ -90,6 +90,29 @@ TEST_F(xmlParts, pathsWithoutNarrowBytesAreRefused) {
   EXPECT_FALSE(part_.open(folder_.file(L"\x0416.xml")));
   EXPECT_FALSE(part_.close());
   EXPECT_FALSE(platform::fileExists(folder_.file(L"\x0416.xml")));
+}
+
+TEST_F(xmlParts, aCopyOfWhatIsNotWholeIsNotWhole) {
+  testSupport::failingDisk disk(1);
+  xmlPart part(disk);
+  ASSERT_TRUE(part.open(path_));
+  part.raw("<a>");
+  xmlPart copy(packageDisk::real());
+  part.copyTo(copy, folder_.file(L"copy.xml"));
+  EXPECT_FALSE(copy.close());
+  EXPECT_FALSE(part.close());
+}
+
+TEST_F(xmlParts, aCopyWithoutANarrowPathIsRefused) {
+  const testSupport::localeSetter inC("C");
+  ASSERT_TRUE(part_.open(path_));
+  part_.raw("<a/>");
+  xmlPart copy(packageDisk::real());
+  part_.copyTo(copy, folder_.file(L"\x0416.xml"));
+  EXPECT_FALSE(copy.close());
+  EXPECT_FALSE(platform::fileExists(folder_.file(L"\x0416.xml")));
+  EXPECT_TRUE(part_.close()) << "the part itself is whole";
+  EXPECT_EQ(written(), "<a/>");
 }
 
 TEST_F(xmlParts, everyFailingOperationIsTold) {

@@ -169,6 +169,18 @@ TEST_F(zipWriting, aMemberAboveTheLimitIsRefused) {
   EXPECT_FALSE(archive.add(L"b", folder_.write(L"b", std::string(1001, 'x'))));
 }
 
+TEST_F(zipWriting, aMemberThatGrowsAboveTheLimitIsRefused) {
+  testSupport::randomNumbers random(7);
+  std::string noise(1000, '\0');
+  for (char& byte : noise) byte = static_cast<char>(random.bits());
+  zipLimits limits;
+  limits.memberSize = noise.size();
+  zipWriter archive(packageDisk::real(), limits);
+  ASSERT_TRUE(archive.create(target_));
+  EXPECT_FALSE(archive.add(L"a", folder_.write(L"a", noise))) << "noise deflates to more";
+  EXPECT_TRUE(archive.add(L"a.zip", folder_.file(L"a"))) << "stored it fits";
+}
+
 TEST_F(zipWriting, anArchiveAboveTheLimitIsRefused) {
   // A stored member of 100 bytes: 30 + 5 for its header, 46 + 5 in the directory.
   constexpr std::uint64_t exact = 30 + 5 + 100 + 46 + 5;
