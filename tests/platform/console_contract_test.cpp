@@ -54,6 +54,7 @@ const textRow textRows[] = {
             {L'\xD83D', L'a'},
             "\xEF\xBF\xBD"
             "a"                                                                                        },
+    textRow{"the other half alone",       {L'\xDE00', L'\xDC7F'}, "\xEF\xBF\xBD\xEF\xBF\xBD"           },
     textRow{"the mark of a raw byte",     {L'a', L'\xDCFF'},      onWindows ? "a\xEF\xBF\xBD" : "a\xFF"},
 };
 

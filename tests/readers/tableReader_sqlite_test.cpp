@@ -292,11 +292,11 @@ TEST_F(sqliteReader, valuesOfTenMegabytes) {
 // Its column cannot be named in wide text, and the engine would take the name for a text.
 TEST_F(sqliteReader, aColumnNamedInBrokenUtf8HasNoRows) {
   sqliteDatabase(path_).run(
-      "CREATE TABLE broken(a, \"x\xFF\"); INSERT INTO broken VALUES(1, 2);"
+      "CREATE TABLE broken(a, \"x\xFF\", b); INSERT INTO broken VALUES(1, 2, 3);"
       "CREATE TABLE whole(\"x\xD0\x96\"); INSERT INTO whole VALUES(3)");
   tableReader_sqlite reader(options(L"broken"));
   EXPECT_FALSE(reader.read());
-  EXPECT_EQ(describe(reader), "fields a|x\xEF\xBF\xBD  ok");
+  EXPECT_EQ(describe(reader), "fields a|x\xEF\xBF\xBD|b  ok");
   EXPECT_TRUE(reader.readOnlyHeaders());
   reader.setTable(L"whole");
   EXPECT_TRUE(reader.readDemo(-1));

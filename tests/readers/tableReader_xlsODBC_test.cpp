@@ -245,7 +245,9 @@ TEST_F(xlsOdbcReader, listsSheets) {
       "table\tSheet1$\tSYSTEM TABLE\nfields\ta:12\n"
       "table\t'Other\tSYSTEM TABLE\nfields\ta:12\n"
       "table\tq\tVIEW\nfields\ta:12\n"
-      "table\ts\tSYNONYM\nfields\ta:12\n");
+      "table\ts\tSYNONYM\nfields\ta:12\n"
+      "table\t\tSYSTEM TABLE\nfields\ta:12\n"
+      "table\ts\tSYSTEM TABLE\nfields\ta:12\n");
   tableReader_xlsODBC reader{tableReaderOptions(file.path())};
   std::vector<std::wstring> list = {L"left over"};
   reader.tableList(list);

@@ -292,6 +292,7 @@ TEST(sqlite, declaredTypesOfATableThatGrows) {
   ASSERT_TRUE(vo_sqlite_stmt_next_row(columns.get()));
   EXPECT_STREQ(vo_sqlite_stmt_get_utf8(columns.get(), 2, nullptr), "FLOAT");
   EXPECT_FALSE(vo_sqlite_stmt_next_row(columns.get()));
+  EXPECT_STREQ(vo_sqlite_stmt_get_utf8(columns.get(), 2, nullptr), "") << "behind the last row";
 }
 
 TEST(sqlite, declaredTypesInADatabaseWithAQuoteInItsName) {
