@@ -25,6 +25,9 @@ else()
   set_target_properties(odbc_test_driver PROPERTIES
     PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${vok_odbc_tests})
   vok_options(odbc_test_driver)
+  # Its own memory management: tests let that of the program fail.
+  target_link_options(odbc_test_driver PRIVATE
+    -static-libstdc++ -static-libgcc LINKER:-Bsymbolic LINKER:--exclude-libs,ALL)
   add_dependencies(vok_tests odbc_test_driver)
   set(VOK_ODBC_TEST_DRIVER ${vok_odbc_tests}/odbc_test_driver.so)
 endif()

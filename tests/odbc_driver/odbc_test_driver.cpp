@@ -328,7 +328,7 @@ SQLRETURN SQL_API SQLExecDirect(SQLHSTMT handle, SQLCHAR* text, SQLINTEGER lengt
     if (sql != "select * from [" + each.name + "]") continue;
     one.show(each);
     const std::string& changes = one.base->content.changes;
-    if (one.base->count("execute") == 1) return SQL_SUCCESS;
+    if (changes.empty() || one.base->count("execute") == 1) return SQL_SUCCESS;
     if (changes == "values") one.result.rows.at(0).at(0) = "changed";
     if (changes == "columns") one.result.columns.at(0).name = "changed";
     if (changes == "types") one.result.columns.at(0).type = SQL_DOUBLE;

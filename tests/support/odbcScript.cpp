@@ -22,6 +22,13 @@ void useOwnConfiguration() {
   static const environmentSetter user(L"ODBCINI", folder + L"/odbc.ini");
 }
 
+int callsOn(const std::wstring& path, const std::string& call) {
+  std::istringstream log(readFile(path + L".log").value_or(""));
+  int count = 0;
+  for (std::string line; std::getline(log, line);) count += line == call ? 1 : 0;
+  return count;
+}
+
 }  // namespace
 
 bool hasOdbcTestDriver() {
@@ -40,17 +47,12 @@ odbcScript::odbcScript(std::wstring path, std::string_view lines) : path_(std::m
   writeFile(path_ + L".log", "");
 }
 
-int odbcScript::calls(const std::string& call) const {
-  std::istringstream log(readFile(path_ + L".log").value_or(""));
-  int count = 0;
-  for (std::string line; std::getline(log, line);) count += line == call ? 1 : 0;
-  return count;
-}
+int odbcScript::calls(const std::string& call) const { return callsOn(path_, call); }
 
-std::string odbcScript::leaks() const {
+std::string odbcLeaks(const std::wstring& path) {
   std::string found;
-  const int connections = calls("connect") - calls("disconnect");
-  const int statements = calls("statement") - calls("free statement");
+  const int connections = callsOn(path, "connect") - callsOn(path, "disconnect");
+  const int statements = callsOn(path, "statement") - callsOn(path, "free statement");
   if (connections != 0) found += std::to_string(connections) + " connections ";
   if (statements != 0) found += std::to_string(statements) + " statements";
   return found;

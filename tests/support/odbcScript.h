@@ -14,6 +14,9 @@ namespace testSupport {
 /// environment is the test's to change, it is put in force.
 bool hasOdbcTestDriver();
 
+/// Empty when every connection and statement of this file has been closed again, else what has not.
+std::string odbcLeaks(const std::wstring& path);
+
 class odbcScript {
  public:
   odbcScript(std::wstring path, std::string_view lines);
@@ -22,8 +25,7 @@ class odbcScript {
 
   /// How often the driver was called so on this file.
   int calls(const std::string& call) const;
-  /// Empty when every connection and statement of this file has been closed again, else what has not.
-  std::string leaks() const;
+  std::string leaks() const { return odbcLeaks(path_); }
 
  private:
   std::wstring path_;
