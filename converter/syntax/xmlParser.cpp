@@ -199,7 +199,8 @@ class partReader {
       const std::size_t end = at + sizeToFeed({block_.data() + at, size - at}, isLast);
       if (end == at && !isLast) break;
       isDone = end == size;
-      if (!feed({block_.data() + at, end - at}, isLast && isDone)) return false;
+      // The last block is fed whole: it is what was kept, and no item ends in that.
+      if (!feed({block_.data() + at, end - at}, isLast)) return false;
       at = end;
     }
     kept_ = size - at;

@@ -216,16 +216,16 @@ void sheetText::splitLine(std::string_view line) {
 }
 
 void sheetText::applyLateCells(std::uint32_t row) {
-  for (; nextLate_ < lateCells_.size() && lateCells_[nextLate_].row <= row; ++nextLate_) {
+  for (; nextLate_ < lateCells_.size() && lateCells_[nextLate_].row == row; ++nextLate_) {
     const lateCell& late = lateCells_[nextLate_];
-    if (late.row == row && late.column < cells_.size())
+    if (late.column < cells_.size())  // a row that is only passed by is not split
       cells_[late.column] = std::string_view(lateTexts_).substr(late.textBegin, late.textSize);
   }
 }
 
 void sheetText::applyMerges(std::uint32_t row) {
-  for (; nextMerge_ < merges_.size() && merges_[nextMerge_].firstRow <= row; ++nextMerge_)
-    if (merges_[nextMerge_].firstRow == row) startMerge(merges_[nextMerge_]);
+  for (; nextMerge_ < merges_.size() && merges_[nextMerge_].firstRow == row; ++nextMerge_)
+    startMerge(merges_[nextMerge_]);
   for (const auto& [firstColumn, merge] : active_)
     for (std::uint32_t column = firstColumn; column <= merge.lastColumn && column < width_;
          ++column)

@@ -140,7 +140,7 @@ void appendFormatted(std::string& text, std::string_view number, numberKind kind
   double value = 0;
   const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
   const bool isNumber = result.ec == std::errc() && result.ptr == digits.data() + digits.size() &&
-                        std::isfinite(value) && !digits.empty();
+                        std::isfinite(value);
   if (isNumber)
     appendFormatted(text, value, kind, system);
   else

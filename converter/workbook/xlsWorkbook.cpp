@@ -9,7 +9,8 @@ namespace {
 constexpr unsigned version8 = 0x0600;
 constexpr unsigned kindGlobals = 0x0005;
 constexpr unsigned kindSheet = 0x0010;
-constexpr std::size_t cellHeader = 6;  // row, column, style
+constexpr std::size_t cellHeader = 6;   // row, column, style
+constexpr std::size_t sheetHeader = 6;  // place, visibility, kind
 
 constexpr unsigned flagWide = 1;
 constexpr unsigned flagPhonetic = 4;
@@ -17,6 +18,7 @@ constexpr unsigned flagRich = 8;
 
 constexpr unsigned numberError = 0x24;  // #NUM!
 constexpr std::string_view unknownError = "#UNKNOWN!";
+constexpr std::string_view tooManyColumns = "the sheet is damaged: it has too many columns";
 constexpr std::string_view cutProblem = "the workbook is damaged: its records end too early";
 
 // FORMAT: two low bits, then 30 bits of an integer or the upper bits of a double; the lowest bit divides by
@@ -47,7 +49,7 @@ struct xlsWorkbook::sheetState {
     row = read16(records.data());
     column = read16(records.data() + 2);
     if (column < mostColumns) return true;
-    problem = "the sheet is damaged: it has too many columns";
+    problem = tooManyColumns;
     return false;
   }
 };
@@ -101,8 +103,7 @@ bool xlsWorkbook::readGlobal(std::string& problem) {
       if (size >= 2 && read16(data) != 0) dates_ = dateSystem::from1904;
       break;
     case biff::boundSheet:
-      readBoundSheet();
-      break;
+      return readBoundSheet(problem);
     case biff::format:
       readFormat();
       break;
@@ -142,15 +143,23 @@ bool xlsWorkbook::appendString(continuedReader& reader, unsigned lengthBytes,
          reader.skip(4 * std::size_t{formatRuns}) && reader.skip(phoneticSize);
 }
 
-void xlsWorkbook::readBoundSheet() {
-  if (records_->size() < 6) return;
+// WHY not without a sheet whose entry is cut: another one would be taken for the first.
+bool xlsWorkbook::readBoundSheet(std::string& problem) {
   const unsigned char* const data = records_->data();
   sheetEntry sheet;
-  sheet.place = read32(data);
-  sheet.isVisible = (data[4] & 3) == 0;
-  sheet.hasCells = data[5] == 0;
   continuedReader reader(*records_);
-  if (reader.skip(6) && appendString(reader, 1, sheet.name)) sheets_.push_back(std::move(sheet));
+  if (records_->size() >= sheetHeader) {
+    sheet.place = read32(data);
+    sheet.isVisible = (data[4] & 3) == 0;
+    sheet.hasCells = data[5] == 0;
+    reader.skip(sheetHeader);
+    if (appendString(reader, 1, sheet.name)) {
+      sheets_.push_back(std::move(sheet));
+      return true;
+    }
+  }
+  problem = "the workbook is damaged: its list of sheets is cut";
+  return false;
 }
 
 void xlsWorkbook::readFormat() {
@@ -258,8 +267,12 @@ bool xlsWorkbook::readMultipleRk(sheetState& state) {
   constexpr std::size_t itemSize = 6;  // style and number
   if (!state.takeCell(*records_, 6)) return false;
   const std::size_t items = (records_->size() - 6) / itemSize;
+  if (items > mostColumns - state.column) {
+    state.problem = tooManyColumns;
+    return false;
+  }
   const unsigned char* item = records_->data() + 4;
-  for (std::size_t i = 0; i < items && state.column < mostColumns; ++i, item += itemSize) {
+  for (std::size_t i = 0; i < items; ++i, item += itemSize) {
     emitNumber(state, read16(item), numberOfRk(read32(item + 2)));
     ++state.column;
   }
@@ -312,8 +325,10 @@ void xlsWorkbook::emitNumber(sheetState& state, unsigned style, double number) {
     emitBooleanOrError(state, numberError, true);  // as spreadsheet programs take it
     return;
   }
+  text_.clear();
   line_.clear();
-  appendFormatted(line_, number, formats_.kindOfStyle(style), dates_);
+  appendFormatted(text_, number, formats_.kindOfStyle(style), dates_);
+  replacements_.append(line_, text_);  // the colons of a time may be the delimiter
   state.receiver->cell(state.row, state.column, line_);
 }
 

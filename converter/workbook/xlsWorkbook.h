@@ -45,7 +45,7 @@ class xlsWorkbook final : public workbook {
 
   bool readGlobals(std::string& problem);
   bool readGlobal(std::string& problem);
-  void readBoundSheet();
+  bool readBoundSheet(std::string& problem);
   void readFormat();
   bool readSharedStrings(std::string& problem);
   bool readSheetRecord(sheetState& state);

@@ -130,7 +130,7 @@ void xlsxSheetEvents::emitPlainCell(const xlsxPlainCell& cell) {
   }
   line_.clear();
   appendText(line_, cell.text, context_->replacements, scratch_);
-  if (!line_.empty()) receiver_->cell(cell.row, cell.column, line_);
+  receiver_->cell(cell.row, cell.column, line_);
 }
 
 void xlsxSheetEvents::emitValue(std::string_view value) {
@@ -153,7 +153,7 @@ void xlsxSheetEvents::emitValue(std::string_view value) {
     case cellKind::number:
       value = withoutBlanks(value);
       if (context_->replacements.isPlain(value)) {
-        appendFormatted(line_, value, context_->formats.kindOfStyle(style_), context_->dates);
+        appendNumberText(value);
         break;
       }
       [[fallthrough]];  // no number, but the delimiter
@@ -174,6 +174,17 @@ void xlsxSheetEvents::emitValue(std::string_view value) {
       break;
   }
   if (!line_.empty()) receiver_->cell(place_.row, place_.column, line_);
+}
+
+void xlsxSheetEvents::appendNumberText(std::string_view number) {
+  const numberKind kind = context_->formats.kindOfStyle(style_);
+  if (kind == numberKind::number) {
+    appendFormatted(line_, number, kind, context_->dates);
+    return;
+  }
+  scratch_.clear();
+  appendFormatted(scratch_, number, kind, context_->dates);
+  context_->replacements.append(line_, scratch_);  // the colons of a time may be the delimiter
 }
 
 void xlsxSheetEvents::addMerge(const xmlAttributes& attributes) {

@@ -41,6 +41,7 @@ class xlsxSheetEvents final : public xmlEvents {
   void endCell();
   void emitPlainCell(const xlsxPlainCell& cell);
   void emitValue(std::string_view value);
+  void appendNumberText(std::string_view number);
   void addMerge(const xmlAttributes& attributes);
   void fail(std::string reason);
   void checkLength();

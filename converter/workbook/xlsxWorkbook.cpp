@@ -162,7 +162,9 @@ bool xlsxWorkbook::readSheet(const sheetEntry& sheet, sheetReceiver& receiver,
                              std::string& problem) {
   const zipMember* const member = archive_.find(sheet.part);
   if (member == nullptr) {
-    problem = "the workbook is damaged: the sheet's part " + sheet.part + " is missing";
+    problem = sheet.part.empty()
+                  ? "the workbook is damaged: the sheet's part is not in it"
+                  : "the workbook is damaged: the sheet's part " + sheet.part + " is missing";
     return false;
   }
   if (!readSharedStrings(stringsPart_, problem)) return false;

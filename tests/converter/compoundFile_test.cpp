@@ -12,6 +12,8 @@ namespace {
 using testSupport::le32;
 
 constexpr std::size_t sectorSize = 512;
+constexpr const char* broken =
+    "the compound file is damaged: its header or its sector table is broken";
 constexpr std::size_t streamSize = 10 * sectorSize;  // sectors 3 to 12
 
 // A file with one stream whose sector table is changed: (sector, the next one).
@@ -64,6 +66,26 @@ TEST(compoundFile, aChainEndsWhereItLeadsOutOfTheFile) {
 
 TEST(compoundFile, aChainEndsWhereItComesBack) {
   EXPECT_EQ(damagedFile().chain(5, 4).describe(), "1536 of 5120");
+}
+
+// FORMAT: the header lists 109 sectors of the table; more of them stand in sectors of their own.
+TEST(compoundFile, aSectorTableThatIsListedOutsideTheHeader) {
+  damagedFile file;
+  file.bytes.replace(76, 4, le32(0xFFFFFFFF));
+  file.bytes.replace(68, 4, le32(13));
+  file.bytes +=
+      le32(0xFFFFFFFF) + le32(0) + std::string(sectorSize - 12, '\xFF') + le32(0xFFFFFFFE);
+  EXPECT_EQ(file.describe(), "5120 of 5120");
+  file.bytes.replace(68, 4, le32(500));
+  EXPECT_EQ(file.describe(), broken);
+}
+
+TEST(compoundFile, anotherFile) {
+  damagedFile file;
+  file.bytes[0] = 'x';
+  EXPECT_EQ(file.describe(), broken);
+  file.bytes.resize(100);
+  EXPECT_EQ(file.describe(), broken);
 }
 
 }  // namespace

@@ -112,6 +112,75 @@ TEST(sheetText, tooManyCellsOutOfOrder) {
   EXPECT_EQ(textOf(options, backwards), refusal);
 }
 
+// More than 2^24 places, of which a hundredth has a value: no reason to put the padding off.
+TEST(sheetText, aLargeSheetIsPaddedToItsWidth) {
+  constexpr std::uint32_t rows = 1040;
+  constexpr std::uint32_t columns = 200;
+  const std::string text = textOf({}, [](sheetText& sheet) {
+    sheet.cell(0, converter::mostColumns - 1, "x");
+    for (std::uint32_t row = 1; row < rows; ++row)
+      for (std::uint32_t column = 0; column < columns; ++column) sheet.cell(row, column, "1");
+  });
+  std::string line = "1";
+  for (std::uint32_t column = 1; column < columns; ++column) line += "$1";
+  line.append(converter::mostColumns - columns, '$');
+  std::string expected = std::string(converter::mostColumns - 1, '$') + "x\n";
+  for (std::uint32_t row = 1; row < rows; ++row) expected.append(line).append("\n");
+  EXPECT_TRUE(text == expected);
+}
+
+TEST(sheetText, aSparseSheetIsNamedAsSuchThoughItIsTooLong) {
+  sheetTextOptions options;
+  options.mostBytes = 1000;
+  EXPECT_EQ(textOf(options,
+                   [](sheetText& text) {
+                     text.cell(0, 0, "1");
+                     text.cell(converter::mostRows - 1, converter::mostColumns - 1, "1");
+                   }),
+            "the sheet has 1048576 rows and 16384 columns, but only 2 cells with a value: it is no "
+            "table");
+}
+
+TEST(sheetText, cellsOutOfOrderInSeveralRows) {
+  EXPECT_EQ(textOf({},
+                   [](sheetText& text) {
+                     text.cell(0, 0, "a");
+                     text.cell(2, 2, "i");
+                     for (const std::uint32_t row : {2u, 1u}) {
+                       text.cell(row, 1, row == 1 ? "e" : "h");
+                       text.cell(row, 0, row == 1 ? "d" : "g");
+                       text.cell(row, 1, row == 1 ? "E" : "H");  // the last one counts
+                     }
+                   }),
+            "a$$\nd$E$\ng$H$i\n");
+}
+
+// The sheet's size is known only when the cells out of order have been put into the rows above the range.
+TEST(sheetText, aMergedRangeBelowCellsThatComeOutOfOrder) {
+  sheetTextOptions options;
+  options.copyMerged = true;
+  EXPECT_EQ(textOf(options,
+                   [](sheetText& text) {
+                     text.cell(2, 0, "a");
+                     text.cell(0, 1, "late");
+                     text.mergedCells({2, 3, 0, 2});
+                   }),
+            "$late$\n$$\na$a$a\na$a$a\n");
+}
+
+TEST(sheetText, mergedRangesBesideEachOther) {
+  sheetTextOptions options;
+  options.copyMerged = true;
+  EXPECT_EQ(textOf(options,
+                   [](sheetText& text) {
+                     text.cell(0, 0, "a");
+                     text.cell(0, 2, "b");
+                     text.mergedCells({0, 1, 2, 3});
+                     text.mergedCells({0, 1, 0, 1});
+                   }),
+            "a$a$b$b\na$a$b$b\n");
+}
+
 // Each merged range of such a sheet would be measured over all of its columns.
 TEST(sheetText, aSparseSheetOfManyMergedRanges) {
   sheetTextOptions options;

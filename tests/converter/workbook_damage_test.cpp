@@ -107,6 +107,31 @@ TEST(workbookDamage, membersThatInflateTooMuch) {
   }
 }
 
+// What cannot be deflated is no bomb, however large.
+TEST(workbookDamage, largeMembersOfNoiseAreRead) {
+  std::mt19937 random(3);
+  std::string noise(100000, '\0');
+  for (char& c : noise) c = static_cast<char>(random());
+  const testSupport::temporaryFolder folder;
+  platform::binaryFile file;
+  ASSERT_TRUE(file.openForReading(folder.write(L"a.zip", testSupport::zipOf({
+                                                             {"a", noise}
+  }))));
+  converter::zipArchive archive;
+  std::string problem;
+  ASSERT_TRUE(archive.open(file, problem));
+  converter::zipMemberReader reader;
+  reader.setSizeThatIsNeverTooMuch(1000);
+  ASSERT_TRUE(reader.open(archive, *archive.find("a"), problem));
+  std::string read(noise.size(), '\0');
+  std::size_t size = 0;
+  for (std::ptrdiff_t count = 1; count > 0 && size < read.size();
+       size += static_cast<std::size_t>(count))
+    count = reader.read(read.data() + size, 4096, problem);
+  EXPECT_TRUE(read == noise);
+  EXPECT_EQ(problem, "");
+}
+
 TEST(workbookDamage, everyAllocationMayFail) {
   for (const std::string& whole : {xlsx(), xls()}) {
     bool hasFailed = true;
