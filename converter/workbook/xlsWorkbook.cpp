@@ -325,10 +325,15 @@ void xlsWorkbook::emitNumber(sheetState& state, unsigned style, double number) {
     emitBooleanOrError(state, numberError, true);  // as spreadsheet programs take it
     return;
   }
-  text_.clear();
+  const numberKind kind = formats_.kindOfStyle(style);
   line_.clear();
-  appendFormatted(text_, number, formats_.kindOfStyle(style), dates_);
-  replacements_.append(line_, text_);  // the colons of a time may be the delimiter
+  if (kind == numberKind::number) {
+    appendFormatted(line_, number, kind, dates_);
+  } else {
+    text_.clear();
+    appendFormatted(text_, number, kind, dates_);
+    replacements_.append(line_, text_);  // the colons of a time may be the delimiter
+  }
   state.receiver->cell(state.row, state.column, line_);
 }
 
