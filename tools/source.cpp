@@ -39,8 +39,9 @@ bool explainUnreadable(const std::wstring& path, const messageWriter& messages) 
 }
 
 bool isSqlite(const tableRW::tableReader& reader, const readingArguments& arguments) {
+  // There is such a type: the reader was opened with it.
   const auto type = findFileType(arguments.type.value_or("auto"));
-  return type && isSqliteDatabase(*type, reader.path());
+  return isSqliteDatabase(*type, reader.path());
 }
 
 /// A source that opened and could not be read to its end: what was read of it must pass for no answer. Of a database
