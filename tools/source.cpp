@@ -151,9 +151,8 @@ bool readSource(tableRW::tableReader& reader, extent wanted, const readingArgume
 
 void explainFailure(tableRW::tableReader& reader, const readingArguments& arguments,
                     toolContext& context) {
-  if (explainUnreadable(reader.path(), context.messages) ||
-      explainIncomplete(reader, arguments, context.messages))
-    return;
+  if (explainUnreadable(reader.path(), context.messages)) return;
+  if (explainIncomplete(reader, arguments, context.messages)) return;
   const std::vector<std::wstring> tables = tablesInstead(reader, arguments);
   if (tables.empty()) {
     const std::string table =

@@ -133,7 +133,10 @@ class OtherConverter(CaseTest):
 
     def setUp(self):
         super().setUp()
-        self.write({"t.xlsx": "", "vok_xls2csv.exe": '#!/bin/sh\nprintf \'a$b\\n1$2\\nскв\\n4$5$6\\n\' > "$3/t.csv"\n'})
+        self.convert_to("printf 'a$b\\n1$2\\nскв\\n4$5$6\\n'")
+
+    def convert_to(self, command):
+        self.write({"t.xlsx": "", "vok_xls2csv.exe": f'#!/bin/sh\n{{ {command}; }} > "$3/t.csv"\n'})
         os.chmod(self.path("vok_xls2csv.exe"), 0o755)
 
     @skip_for_windows("its converter is no script of this system")
@@ -150,6 +153,22 @@ class OtherConverter(CaseTest):
         run = self.run_copy("convert", "t.xlsx", "out.csv", "--rejects", "bad.csv")
         self.assertEqual((run.code, self.content()["bad.csv"].decode("utf-8")), (1, "скв\n4$5$6\n"), run.err)
         self.assertEqual(self.content()["out.csv"], b"a;b\r\n1;2\r\n")
+
+    @skip_for_windows("its converter is no script of this system")
+    def test_rejects_that_cannot_be_written(self):
+        def limit_file_size():
+            import resource
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 16, 1 << 16))
+        run = self.run_copy("convert", "t.xlsx", "out.csv", "--rejects", "no/bad.csv")
+        self.assertEqual(run.code, 5)
+        self.assertIn("cannot write no/bad.csv: check that its folder exists, may be written to and has room", run.err)
+        # The line takes three times as many bytes once each of them is a character.
+        self.convert_to("printf 'a$b\\n1$2\\n'; head -c 30000 /dev/zero | tr '\\0' '\\377'; echo")
+        run = self.run_copy("convert", "t.xlsx", "out.csv", "--rejects", "bad.csv", "--force", preexec_fn=limit_file_size)
+        self.assertEqual(run.code, 5)
+        self.assertIn("cannot write bad.csv: check that its folder exists, may be written to and has room", run.err)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["out.csv", "t.xlsx", "vok_table", "vok_xls2csv.exe"])
 
 
 if __name__ == "__main__":

@@ -75,13 +75,13 @@ class CaseTest(unittest.TestCase):
             with open(self.path(name), "wb") as file:
                 file.write(content.encode("utf-8") if isinstance(content, str) else content)
 
-    def run_copy(self, *args, env=None):
+    def run_copy(self, *args, env=None, **more):
         """Starts a copy of the tool in the test's folder, where the converter does not stand beside it."""
         copy = self.path("vok_table")
         shutil.copy(Settings.tool[-1], copy)
         environment = {**os.environ, **(env or {}), "LD_LIBRARY_PATH": os.path.dirname(Settings.tool[-1])}
         done = subprocess.run([copy, *args], cwd=self.folder, env=environment, check=False, stdin=subprocess.DEVNULL,
-                              capture_output=True)
+                              capture_output=True, **more)
         return Run(done.returncode, done.stdout, done.stderr.decode("utf-8"))
 
     def content(self):
