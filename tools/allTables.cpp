@@ -34,10 +34,10 @@ std::optional<std::string> optionProblem(const commandLine& request, const std::
   return std::nullopt;
 }
 
-/// The tables by their names; a source that holds one bears its file's.
+/// The tables by their names; that of a source without a choice of tables, which has one, bears its file's.
 std::vector<std::wstring> namesForFiles(tableRW::tableReader& reader,
                                         std::vector<std::wstring> tables) {
-  if (reader.get_capabilities().offersTables || tables.size() != 1) return tables;
+  if (reader.get_capabilities().offersTables) return tables;
   const std::wstring path = reader.path();
   const std::wstring name = path.substr(path.find_last_of(L"/\\") + 1);
   tables.front() = name.substr(0, name.rfind(L'.'));

@@ -158,10 +158,7 @@ void answerWriter::texts(std::string_view key, const std::vector<std::wstring>& 
     json_.endArray();
     return;
   }
-  for (const std::wstring& text : texts) {
-    if (!output_.isOpen()) break;
-    output_.value(text);
-  }
+  for (const std::wstring& text : texts) output_.value(text);
 }
 
 void answerWriter::number(std::string_view key, std::uint64_t value) {

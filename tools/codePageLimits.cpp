@@ -8,6 +8,11 @@
 #include "tools/text.h"
 
 namespace vokTable {
+namespace {
+
+constexpr unsigned asciiCodePage = 20127;
+
+}  // namespace
 
 codePageLimits::codePageLimits(unsigned codePage) : codePage_(codePage) {
   if (codePage == platform::utf8CodePage) return;
@@ -32,8 +37,8 @@ std::size_t codePageLimits::sizeOf(std::wstring_view text) const {
 
 std::string codePageLimits::name() const {
   if (codePage_ == platform::utf8CodePage) return "UTF-8";
-  const bool windows = codePage_ >= 1250 && codePage_ <= 1258;
-  return fmt::format("{}{}", windows ? "Windows-" : "CP", codePage_);
+  if (codePage_ == asciiCodePage) return "ASCII";
+  return fmt::format("{}{}", codePage_ < 1250 ? "CP" : "Windows-", codePage_);
 }
 
 }  // namespace vokTable

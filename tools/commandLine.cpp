@@ -97,19 +97,18 @@ std::string perhapsMeant(std::string_view written, const std::vector<std::string
 
 bool isOption(std::string_view word) { return word.size() > 1 && word.front() == '-'; }
 
-/// CLI11 lists what it did not expect backwards, the values of unknown options among it.
+/// What is wrong with the words that a command did not expect: there are some, listed backwards by CLI11, the values of
+/// unknown options among them.
 std::string unexpectedProblem(const CLI::App& command) {
   const std::vector<std::string> words = command.remaining();
-  if (words.empty()) return "something on the line is not understood";
   const auto option = std::find_if(words.begin(), words.end(), isOption);
   if (option == words.end())
     return fmt::format("{} has no use for {}; a name with blanks needs quotes", command.get_name(),
                        inQuotes(words.front()));
   const std::string written = option->substr(0, option->find('='));
   std::vector<std::string> names;
-  if (const commandEntry* const entry = findCommand(command.get_name()))
-    for (const optionEntry* const each : entry->options)
-      for (const std::string& name : namesOf(*each)) names.push_back(name);
+  for (const optionEntry* const each : commandNamed(command.get_name()).options)
+    for (const std::string& name : namesOf(*each)) names.push_back(name);
   return fmt::format("{} has no option {}{}", command.get_name(), inQuotes(written),
                      perhapsMeant(written, names));
 }
@@ -127,13 +126,17 @@ std::string missingValueProblem(std::string text) {
 /// CLI11 speaks of a missing subcommand whatever stands in its place.
 std::string problemOf(const CLI::App& tool, const CLI::ParseError& error,
                       const std::vector<std::wstring>& arguments) {
-  if (const auto found = tool.get_subcommands(); !found.empty())
-    return dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr
-               ? unexpectedProblem(*found.front())
-               : missingValueProblem(error.what());
+  const auto found = tool.get_subcommands();
+  const bool hasCommand = !found.empty();
+  if (hasCommand && dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr)
+    return missingValueProblem(error.what());
+  if (hasCommand && !found.front()->remaining().empty()) return unexpectedProblem(*found.front());
   std::string problem = "a command is missing";
   if (!arguments.empty()) {
     const std::string written = toUtf8(arguments.front());
+    if (hasCommand && isOption(written))
+      return fmt::format("{} stands before the command {}: options come behind it",
+                         inQuotes(written), found.front()->get_name());
     problem = (isOption(written) ? "there is no option " : "there is no command ") +
               inQuotes(written) + perhapsMeant(written, shownCommands());
   }

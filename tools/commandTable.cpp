@@ -124,10 +124,10 @@ std::span<const commandEntry> allCommands() {
   return commands;
 }
 
-const commandEntry* findCommand(std::string_view name) {
-  for (const commandEntry& each : allCommands())
-    if (each.name == name) return &each;
-  return nullptr;
+const commandEntry& commandNamed(std::string_view name) {
+  const auto commands = allCommands();
+  return *std::find_if(commands.begin(), commands.end(),
+                       [name](const commandEntry& each) { return each.name == name; });
 }
 
 std::span<const exitCodeEntry> exitCodeTexts() { return exitCodes; }

@@ -62,8 +62,8 @@ struct exampleEntry {
 };
 
 std::span<const commandEntry> allCommands();
-/// Null when there is no such command.
-const commandEntry* findCommand(std::string_view name);
+/// @param name  of one of them
+const commandEntry& commandNamed(std::string_view name);
 
 std::span<const exitCodeEntry> exitCodeTexts();
 std::span<const exampleEntry> exampleLines();

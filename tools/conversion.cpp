@@ -73,7 +73,7 @@ class conversion {
     }
     const interruption interrupted;  // outlives whatever has to be cleaned up
     targetFile file(target_);
-    if (!write(file.temporaryPath(), interrupted)) return exitCode::writeFailed;
+    write(file.temporaryPath(), interrupted);
     // Asked again: a writer may do most of its work when it is closed.
     if (interrupted.isAskedFor()) {
       isInterrupted_ = true;
@@ -157,23 +157,19 @@ class conversion {
     if (const auto size = limits_->rowSize(row)) expectedSize_ = expectedSize_.value_or(0) + *size;
   }
 
-  /// Writes the file, up to the row at which somebody interrupts. @return false, explained, when that cannot begin
-  bool write(const std::wstring& path, const interruption& interrupted) {
+  /// Writes the file, up to the row at which somebody interrupts.
+  void write(const std::wstring& path, const interruption& interrupted) {
+    // It outlives the writer, which may do most of its work when it is closed.
+    progressLine progress(messages_, fmt::format("writing {}", request_.target));
     options_.fileName = path;
     const std::unique_ptr<tableRW::tableWriter, decltype(&tableRW::tableWriter::close)> writer(
         tableRW::tableWriter::open(options_), &tableRW::tableWriter::close);
-    if (!writer) {
-      messages_.error(fmt::format("cannot write {}: no writer takes it", request_.target));
-      return false;
-    }
-    progressLine progress(messages_, fmt::format("writing {}", request_.target));
     std::vector<std::wstring> row;
     for (std::size_t number = 0; number < table_.count() && !interrupted.isAskedFor(); ++number) {
       if (number % rowsBetweenReports == 0) progress.advance(number, table_.count());
       takeRow(number, row);
       writer->addRow(row);
     }
-    return true;
   }
 
   /// WHY the size is asked: a writer accepts every row, whether it reaches the disk or not.
@@ -253,7 +249,8 @@ exitCode checkTarget(const commandLine& request, const messageWriter& messages) 
     return exitCode::usage;
   }
   // WHY before the format: whoever names the source again wants to hear of that.
-  if (!platform::isSameFile(toWide(request.reading.file), target) && !isWritable(target)) {
+  const bool isSource = platform::isSameFile(toWide(request.reading.file), target);
+  if (!isSource && !isWritable(target)) {
     messages.error(fmt::format("cannot write {}: writing its format is not in this version", name));
     messages.hint("vok_table formats lists what can be written");
     return exitCode::notAvailable;

@@ -69,7 +69,6 @@ std::optional<std::string> csvLimits::rowProblem(const std::vector<std::wstring>
 const char* csvLimits::alternative() const { return "choose another --output-delimiter or format"; }
 
 std::optional<std::uint64_t> csvLimits::rowSize(const std::vector<std::wstring>& row) const {
-  if (row.empty()) return 0;
   std::uint64_t size = lineEnd.size();
   bool isEnded = false;
   const auto add = [&](std::wstring_view text) {

@@ -29,7 +29,7 @@ class csvLimits : public targetLimits {
   /// A value also loses the blanks around it.
   std::optional<std::string> problem(std::size_t field, std::wstring_view value) const override;
   std::optional<std::string> rowProblem(const std::vector<std::wstring>& row) const override;
-  /// The line end included; 0 for a row without values.
+  /// The line end included. Every row has a value: a table without fields is not written.
   std::optional<std::uint64_t> rowSize(const std::vector<std::wstring>& row) const override;
   const char* alternative() const override;
 

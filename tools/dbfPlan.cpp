@@ -31,7 +31,7 @@ struct plainNumber {
 };
 
 std::optional<plainNumber> parsePlain(std::wstring_view text) {
-  const std::size_t sign = !text.empty() && text.front() == L'-' ? 1 : 0;
+  const std::size_t sign = text.starts_with(L'-') ? 1 : 0;
   std::size_t at = sign;
   while (at < text.size() && isDigit(text[at])) ++at;
   const std::size_t whole = at;
@@ -255,7 +255,7 @@ std::optional<std::string> dbfPlan::nameProblem(std::size_t field, std::wstring_
   if (latin.size() > longestName)
     return fmt::format("the name is cut to {} characters", longestName);
   if (!std::all_of(latin.begin(), latin.end(), isPlainInName) ||
-      (latin[0] >= '0' && latin[0] <= '9'))
+      isDigit(static_cast<wchar_t>(latin.front())))
     return "the name is changed: it may hold letters, digits and _, and begins with no digit";
   for (std::size_t i = 0; i < field; ++i)
     if (validName(latinNames_[i], i) == inCapitals(latin))
@@ -279,7 +279,6 @@ std::optional<std::string> dbfPlan::textProblem(std::wstring_view value, std::si
 }
 
 std::optional<std::string> dbfPlan::problem(std::size_t field, std::wstring_view value) const {
-  if (field >= fields_.size()) return "has no field to go to";
   if (value.empty()) return std::nullopt;
   const tableRW::writerField& target = fields_[field];
   if (target.type == tableRW::fldText)

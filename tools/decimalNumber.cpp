@@ -7,11 +7,14 @@ namespace {
 
 constexpr std::int64_t greatestExponent = 1'000'000'000;
 
+/// Signs, points and commas, which are what else a number holds, stand before the digits.
+bool isDigit(wchar_t character) { return character >= L'0'; }
+
 std::int64_t exponentOf(std::wstring_view text) {
   const bool isNegative = text.starts_with(L'-');
   std::int64_t exponent = 0;
   for (const wchar_t character : text)
-    if (character >= L'0' && character <= L'9')
+    if (isDigit(character))
       exponent = std::min(exponent * 10 + (character - L'0'), greatestExponent);
   return isNegative ? -exponent : exponent;
 }
@@ -26,7 +29,7 @@ decimalNumber::decimalNumber(std::wstring_view text) {
   bool isFraction = false;
   for (const wchar_t character : mantissa) {
     if (character == L'.' || character == L',') isFraction = true;
-    if (character < L'0' || character > L'9') continue;
+    if (!isDigit(character)) continue;
     const bool isLeadingZero = digits_.empty() && character == L'0';
     if (!isLeadingZero) digits_ += character;
     // The point moves right with a digit before it, and left with a zero that is not kept.

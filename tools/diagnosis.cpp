@@ -151,9 +151,8 @@ void hintAtEncoding(const tableRW::tableReader& reader, const tableRW::tableRead
 exitCode diagnose(tableRW::tableReader& reader, const readingArguments& arguments, listing rejected,
                   const messageWriter& messages) {
   std::string problem;
+  // There are options: the reader was opened with them.
   const auto options = makeReaderOptions(arguments, problem);
-  if (!options) return exitCode::usage;
-
   if (reader.fieldCount() == 0)
     messages.warning(fmt::format("no fields were found in {}; check --header-row", arguments.file));
   warnOfByteOrderMark(reader, arguments, messages);

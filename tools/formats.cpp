@@ -57,11 +57,11 @@ const format* formatOfPath(const std::wstring& path) {
   return found == std::end(formats) ? nullptr : found;
 }
 
+/// The format of a type, every one of which stands in the table, or the one that the path's extension chooses.
 const format* formatOf(std::int32_t fileType, const std::wstring& path) {
   if (fileType == fileTypeAuto) return formatOfPath(path);
-  const auto* const found = std::find_if(std::begin(formats), std::end(formats),
-                                         [&](const format& each) { return each.type == fileType; });
-  return found == std::end(formats) ? nullptr : found;
+  return std::find_if(std::begin(formats), std::end(formats),
+                      [&](const format& each) { return each.type == fileType; });
 }
 
 bool isRead(const format& asked) {

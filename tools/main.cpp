@@ -39,7 +39,7 @@ exitCode runCommand(const commandLine& request, toolContext& context) {
     context.messages.error("--json and --csv are two forms of the answer: leave one of them out");
     return exitCode::usage;
   }
-  return findCommand(request.command)->run(request, context);
+  return commandNamed(request.command).run(request, context);
 }
 
 answerForm formOf(const parsedCommandLine& parsed, const std::vector<std::wstring>& arguments) {

@@ -1,6 +1,7 @@
 // The command manual: the manual page vok_table(1) in roff, made from commandTable.h.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <string>
 
 #include "tools/commandTable.h"
@@ -54,10 +55,8 @@ std::string item(const std::string& title, const std::string& text) {
 
 /// Whether an option belongs to all commands that read, and is explained once.
 bool isCommon(const optionEntry& option) {
-  const commandEntry* const plain = findCommand("tables");
-  for (const optionEntry* const each : plain->options)
-    if (each == &option) return true;
-  return false;
+  const auto& common = commandNamed("tables").options;
+  return std::find(common.begin(), common.end(), &option) != common.end();
 }
 
 std::string commandSection() {
@@ -75,7 +74,7 @@ std::string commandSection() {
 
 std::string optionSection() {
   std::string text = ".SH OPTIONS\nCommands that read a file take these as well:\n";
-  for (const optionEntry* const option : findCommand("tables")->options)
+  for (const optionEntry* const option : commandNamed("tables").options)
     text += item(written(*option), sentence(fullText(*option)));
   text += item(bold("--help"), sentence("Print how a command is used"));
   return text + item(bold("--version"), sentence("Print the version and end"));

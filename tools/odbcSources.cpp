@@ -32,10 +32,10 @@ std::string fromSystem(const char* text) {
   return toUtf8(wide);
 }
 
+// The text is not empty.
 std::string toSystem(const std::string& utf8) {
   const std::wstring wide = toWide(utf8);
   const int length = static_cast<int>(wide.size());
-  if (length == 0) return {};
   const int needed =
       platform::encodeCodePage(platform::systemCodePage, wide.data(), length, nullptr, 0);
   std::string bytes(static_cast<std::size_t>(std::max(needed, 0)), '\0');

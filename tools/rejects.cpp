@@ -77,8 +77,8 @@ exitCode checkRejects(const commandLine& request, const tableRW::tableReader& re
   }
   const std::wstring path = toWide(name);
   const std::wstring target = toWide(request.target);
-  if (platform::lowerCase(path) == platform::lowerCase(target) ||
-      platform::isSameFile(path, target)) {
+  const bool areAlike = platform::lowerCase(path) == platform::lowerCase(target);
+  if (areAlike || platform::isSameFile(path, target)) {
     messages.error(fmt::format(
         "{} is both the target and the file for rejected lines: name another one", name));
     return exitCode::usage;

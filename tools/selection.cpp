@@ -12,11 +12,9 @@ namespace {
 
 std::string fieldsOf(const tableRW::tableReader& reader) {
   std::string list;
-  for (std::size_t field = 0; field < reader.fieldCount(); ++field) {
-    if (field > 0) list += ", ";
-    list += inQuotes(toUtf8(reader.fieldName(field)));
-  }
-  return list;
+  for (std::size_t field = 0; field < reader.fieldCount(); ++field)
+    list += (field == 0 ? "its fields are " : ", ") + inQuotes(toUtf8(reader.fieldName(field)));
+  return list.empty() ? "it has no fields" : list;
 }
 
 /// Takes a list of names apart from its end: what can be taken apart behind each comma is known before.
@@ -27,35 +25,29 @@ class listParser {
 
   /// The fields in their order; nothing when the list cannot be taken apart.
   std::optional<std::vector<std::size_t>> parse() {
-    rest_.back() = step{0, 0};
-    for (std::size_t begin = list_.size(); begin-- > 0;)
+    for (std::size_t begin = list_.size() + 1; begin-- > 0;)
       if (begin == 0 || list_[begin - 1] == L',') rest_[begin] = best(begin);
-    if (list_.empty()) rest_[0] = best(0);
     if (!rest_[0]) return std::nullopt;
     std::vector<std::size_t> fields;
-    for (std::size_t begin = 0; begin < list_.size() || fields.empty();) {
+    for (std::size_t begin = 0; begin <= list_.size(); begin = rest_[begin]->next)
       fields.push_back(rest_[begin]->field);
-      begin = rest_[begin]->next;
-    }
     return fields;
   }
 
  private:
   struct step {
     std::size_t field;
-    std::size_t next;
+    std::size_t next;  // behind the comma, or what would be one at the end
   };
 
   std::optional<step> best(std::size_t begin) const {
     for (std::size_t end = std::min(list_.find(L',', begin), list_.size());;
          end = std::min(list_.find(L',', end + 1), list_.size())) {
       const bool isLast = end == list_.size();
-      const std::size_t next = isLast ? end : end + 1;
-      // A comma at the end is followed by one more name, an empty one, which no field has.
-      const bool canGoOn = isLast || (next < list_.size() && rest_[next]);
-      if (canGoOn)
+      // A comma at the end is followed by one more name, an empty one.
+      if (isLast || rest_[end + 1])
         if (const auto field = findField(reader_, list_.substr(begin, end - begin)))
-          return step{*field, next};
+          return step{*field, end + 1};
       if (isLast) return std::nullopt;
     }
   }
@@ -65,13 +57,13 @@ class listParser {
   std::vector<std::optional<step>> rest_;
 };
 
-/// The first piece of a list that is no field's name, for a message.
+/// The first piece of a list that is no field's name, for a message; a list of names alone can be taken apart.
 std::string firstUnknown(const tableRW::tableReader& reader, const std::wstring& list) {
   std::size_t begin = 0;
   for (;;) {
     const std::size_t end = std::min(list.find(L',', begin), list.size());
     const std::wstring name = list.substr(begin, end - begin);
-    if (!findField(reader, name) || end == list.size()) return toUtf8(name);
+    if (!findField(reader, name)) return toUtf8(name);
     begin = end + 1;
   }
 }
@@ -145,8 +137,8 @@ dataTable selectedTable::shown(std::uint64_t rows) const {
 exitCode explainUnknownField(std::string_view option, std::string_view text,
                              std::string_view expectation, const commandLine& request,
                              tableRW::tableReader& reader, toolContext& context) {
-  context.messages.error(fmt::format("{} {}: {} of {}; its fields are {}", option, inQuotes(text),
-                                     expectation, request.reading.file, fieldsOf(reader)));
+  context.messages.error(fmt::format("{} {}: {} of {}; {}", option, inQuotes(text), expectation,
+                                     request.reading.file, fieldsOf(reader)));
   concludeReading(reader, request.reading, context);  // the hints may tell why
   return exitCode::usage;
 }

@@ -39,8 +39,9 @@ bool explainUnreadable(const std::wstring& path, const messageWriter& messages) 
 }
 
 bool isSqlite(const tableRW::tableReader& reader, const readingArguments& arguments) {
+  // There is such a type: the reader was opened with it.
   const auto type = findFileType(arguments.type.value_or("auto"));
-  return type && isSqliteDatabase(*type, reader.path());
+  return isSqliteDatabase(*type, reader.path());
 }
 
 /// A source that opened and could not be read to its end: what was read of it must pass for no answer. Of a database
@@ -150,9 +151,8 @@ bool readSource(tableRW::tableReader& reader, extent wanted, const readingArgume
 
 void explainFailure(tableRW::tableReader& reader, const readingArguments& arguments,
                     toolContext& context) {
-  if (explainUnreadable(reader.path(), context.messages) ||
-      explainIncomplete(reader, arguments, context.messages))
-    return;
+  if (explainUnreadable(reader.path(), context.messages)) return;
+  if (explainIncomplete(reader, arguments, context.messages)) return;
   const std::vector<std::wstring> tables = tablesInstead(reader, arguments);
   if (tables.empty()) {
     const std::string table =

@@ -324,6 +324,7 @@ def converter(*arguments):
     stats=tool("stats", "@source/t.csv"),
     stats_of_sqlite=tool("stats", "@source/t.sqlite", "--table", "t"),
     errors=tool("errors", "@source/t.csv"),
+    doctor_of_petrel=tool("doctor", "@source/t.petrel"),
     find=tool("find", "@source/t.dbf", "--where", "WELL=W-7", "--show", "ROCK"),
 )
 class Reading(FaultTest):

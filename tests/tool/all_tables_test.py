@@ -1,12 +1,17 @@
 #!/usr/bin/env python3
 """convert --all-tables: a file for every table, names that every system takes, nothing replaced unasked."""
 import os
+import signal
 import sqlite3
+import subprocess
 import sys
+import time
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
-from tool_cases import Case, CaseTest, cases, main, run_tool  # noqa: E402
+from databases import database  # noqa: E402
+from tool_cases import (Case, CaseTest, Settings, cases, main, posix_only, run_tool,  # noqa: E402
+                        skip_for_windows)
 import workbooks  # noqa: E402
 
 TITLES = "table\tfile\trows\trejected\tchanged\tcode\n"
@@ -20,6 +25,15 @@ ONE = "{} is for one table: leave it out, or leave out --all-tables\n"
          TITLES + "csv\tout/t.csv\t1\t0\t0\t0\n", files=AB, leaves={**AB, os.path.join("out", "t.csv"): b"a;b\r\n1;2\r\n"}),
     Case("a separator at the end", ["convert", "t.csv", "out/", "--all-tables"],
          TITLES + "csv\tout/t.csv\t1\t0\t0\t0\n", files=AB, leaves={**AB, os.path.join("out", "t.csv"): b"a;b\r\n1;2\r\n"}),
+    Case("a separator of the other kind at the end", ["convert", "t.csv", "out\\", "--all-tables"],
+         TITLES + "csv\tout\\t.csv\t1\t0\t0\t0\n", files=AB,
+         leaves={**AB, os.path.join("out", "t.csv"): b"a;b\r\n1;2\r\n"}),
+    Case("a name that is an extension", ["convert", ".csv", "out", "--all-tables"],
+         TITLES + "csv\tout/_.csv\t1\t0\t0\t0\n", files={".csv": "a\n1\n"},
+         leaves={".csv": "a\n1\n", os.path.join("out", "_.csv"): b"a\r\n1\r\n"}),
+    Case("a header row that is not there", ["convert", "t.csv", "out", "--all-tables", "--header-row", "9"],
+         TITLES + "csv\tout/t.csv\t\t\t\t3\n",
+         ['warning: table "csv" of t.csv holds no fields: there is nothing to write\n'], 3, AB),
     Case("the target is a file", ["convert", "t.csv", "x", "--all-tables"], "",
          ["error: x is a file: name a folder, in which every table gets its own file\n"], 5, {**AB, "x": ""}),
     Case("the folder around it is missing", ["convert", "t.csv", "no/out", "--all-tables"], "",
@@ -76,6 +90,7 @@ class Databases(CaseTest):
     def test_names_that_are_none(self):
         expected = {"a/b\\c": "a_b_c", "d:e*f?": "d_e_f_", "x|<>\"y": "x____y", "..": "__",
                     "con": "_con", "NUL.txt": "_NUL.txt", "Com1": "_Com1", "lpt\u00b9": "_lpt\u00b9", "common": "common",
+                    "comb": "comb",
                     "-n": "_n", "tab\there": "tab_here", "new\nline": "new_line", "\u202eabc": "_abc",
                     "Ж" * 150: "Ж" * 100, "a.b.": "a.b_", "井": "井"}
         self.make(*expected)
@@ -118,6 +133,34 @@ class Databases(CaseTest):
         run = run_tool(*ALL, "--force", cwd=self.folder)
         self.assertEqual(run.code, 1)
         self.assertIn("b\tout/b.csv\t1\t0\t1\t1\n", run.out.decode())
+
+    @posix_only
+    @skip_for_windows("names are no bytes there")
+    def test_a_name_with_a_byte_that_is_no_character(self):
+        name = os.fsdecode(b"a\xffb.csv")
+        self.write({name: "a\n1\n"})
+        run = run_tool("convert", name, "out", "--all-tables", cwd=self.folder)
+        self.assertEqual((run.code, run.err, self.written()), (0, "", {"a_b.csv": b"a\r\n1\r\n"}))
+
+    @posix_only
+    @skip_for_windows("signals of this system")
+    def test_interrupted(self):
+        self.write({"t.sqlite": database(("a", "a TEXT", [["1"]]), ("b", "a TEXT", [[str(i)] for i in range(200000)]),
+                                         ("c", "a TEXT", [["3"]]))})
+        os.mkdir(self.path("temp"))
+
+        def has_begun():
+            return os.path.exists(self.path("out/a.xlsx")) and os.listdir(self.path("temp"))
+        with subprocess.Popen([*Settings.tool, *ALL, "--to", "xlsx"], cwd=self.folder,
+                              env={**os.environ, "TEMP": self.path("temp")}, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE) as tool:
+            while tool.poll() is None and not has_begun():
+                time.sleep(0.001)
+            tool.send_signal(signal.SIGINT)
+            out, message = tool.communicate()
+        self.assertEqual((tool.returncode, message), (5, b"vok_table: error: interrupted: out/b.xlsx was not written\n"))
+        self.assertEqual([line.split("\t")[0] for line in out.decode().splitlines()], ["table", "a", "b"])
+        self.assertEqual((list(self.written()), os.listdir(self.path("temp"))), (["a.xlsx"], []))
 
     def test_a_folder_made_for_nothing_goes_again(self):
         self.make("a")

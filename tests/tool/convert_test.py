@@ -1,11 +1,15 @@
 #!/usr/bin/env python3
 """convert: what is written, what is told, and that a target is whole or not there."""
 import os
+import signal
+import subprocess
 import sys
+import time
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
-from tool_cases import (Case, CaseTest, cases, main, posix_only, run_tool,  # noqa: E402
+from databases import database  # noqa: E402
+from tool_cases import (Case, CaseTest, Settings, cases, main, posix_only, run_tool,  # noqa: E402
                         skip_for_windows)
 
 AB = {"t.csv": "a;b\n1;2\n3;4\n"}
@@ -43,8 +47,13 @@ def lossy(name, source, target, reason, *options):
     Case("output delimiter of several characters",
          ["convert", "t.csv", "out.csv", "--output-delimiter", ", "], files=AB,
          leaves=kept(AB, out_csv=b"a, b\r\n1, 2\r\n3, 4\r\n")),
+    Case("output delimiter that is longer than values",
+         ["convert", "t.csv", "out.csv", "--output-delimiter", "-->", "--strict"], files=AB,
+         leaves=kept(AB, out_csv=b"a-->b\r\n1-->2\r\n3-->4\r\n")),
     Case("unknown extension", ["convert", "t.csv", "out.txt"], files=AB, leaves=kept(AB, out_txt=WRITTEN)),
     Case("no extension", ["convert", "t.csv", "out"], files=AB, leaves=kept(AB, out=WRITTEN)),
+    Case("no extension, in a folder that has one", ["convert", "t.csv", "d.dbf/out"], files={**AB, "d.dbf/x": ""},
+         leaves={**AB, "d.dbf/x": "", os.path.join("d.dbf", "out"): WRITTEN}),
     Case("a name that is an extension", ["convert", "t.csv", "./.csv"], files=AB,
          leaves=kept(AB, _csv=WRITTEN)),
     Case("Cyrillic name, folder with blanks and a dot", ["convert", "t.csv", "мои. файлы/из скважин.csv"],
@@ -78,6 +87,10 @@ def lossy(name, source, target, reason, *options):
          ["error: --output-delimiter cannot be empty and cannot hold"], 2, AB),
     Case("output delimiter outside the code page",
          ["convert", "t.csv", "out.csv", "--output-delimiter", "中"], "", ["--output-delimiter"], 2, AB),
+    *(Case(f"output delimiter of {name}", ["convert", "t.csv", "out.csv", "--output-delimiter", delimiter], "",
+           ["--output-delimiter"], 2, AB) for name, delimiter in (("a line feed", "\n"), ("Ctrl-Z", "\x1a"))),
+    Case("a header row that is not there", ["convert", "t.csv", "out.csv", "--header-row", "9"], "",
+         ["error: t.csv holds no fields: there is nothing to write\n"], 3, AB),
     Case("output delimiter of a quotation mark",
          ["convert", "t.csv", "out.csv", "--output-delimiter", '"'], "", ["--output-delimiter"], 2, AB),
 )
@@ -119,6 +132,32 @@ class Losses(CaseTest):
         self.assertEqual([line.split(",")[0] for line in lines[1:11]], [f"  row {i}" for i in range(1, 11)])
         self.assertEqual(lines[11:], ["  and 1 224 more"])
 
+    def test_ten_rows_are_listed(self):
+        self.write({"t.csv": "a;b\n" + " ; \n" * 12})
+        run = run_tool("convert", "t.csv", "out.csv", cwd=self.folder)
+        self.assertEqual(run.code, 1)
+        lines = run.err.splitlines()
+        self.assertEqual(lines[0],
+                         "vok_table: warning: 12 values will not be read back unchanged from out.csv:")
+        self.assertEqual([line.split(":")[0] for line in lines[1:11]], [f"  row {i}" for i in range(1, 11)])
+        self.assertEqual(lines[11:], ["  and 2 more"])
+
+    def test_values_of_a_database(self):
+        for value, written, reason in (
+                ("x\ny", b"x\r\ny", "holds a line break"),
+                ("x\x1ay", b"x\x1ay", "holds Ctrl-Z (0x1A), which ends the file when it is read"),
+                ("\vx", b"\vx", "begins or ends with a blank, which is taken away when it is read"),
+                ("x\f", b"x\f", "begins or ends with a blank, which is taken away when it is read"),
+                ("\uffff", b"?", "holds a character outside Windows-1251 (U+FFFF)")):
+            with self.subTest(value):
+                self.write({"t.sqlite": database(("t", "a TEXT", [[value]]))})
+                run = run_tool("convert", "t.sqlite", "out.csv", "--table", "t", "--force", cwd=self.folder)
+                self.assertEqual((run.code, run.err), (1, "vok_table: warning: 1 value will not be read back unchanged "
+                                                          f'from out.csv:\n  row 1, field "a": {reason}\n'))
+                self.assertEqual(self.content()["out.csv"], b"a\r\n" + written + b"\r\n")
+                back = run_tool("cat", "out.csv", "--encoding", "CP1251", cwd=self.folder)
+                self.assertNotEqual(back.out, run_tool("cat", "t.sqlite", "--table", "t", cwd=self.folder).out)
+
     def test_strict_keeps_an_old_target(self):
         self.write({"t.csv": "a\n中\n", "out.csv": "old"})
         run = run_tool("convert", "t.csv", "out.csv", "--strict", "--force", cwd=self.folder)
@@ -151,6 +190,44 @@ class RoundTrip(CaseTest):
         self.assertEqual((run.code, run.err), (0, ""))
         self.assertEqual(self.content()["out.csv"].decode("cp1251"),
                          "a;b\r\n" + "".join(f"{i};проба {i}\r\n" for i in range(50000)))
+
+
+class Meanwhile(CaseTest):
+    """What other programs do while a table is converted."""
+
+    @posix_only
+    @skip_for_windows("named pipes of this system")
+    def test_a_target_that_appears(self):
+        os.mkfifo(self.path("slow.csv"))
+        with subprocess.Popen([*Settings.tool, "convert", "slow.csv", "out.csv"], cwd=self.folder,
+                              stdin=subprocess.DEVNULL, stderr=subprocess.PIPE) as tool:
+            # The pipe opens when the tool does: it has looked for the target by then.
+            with open(self.path("slow.csv"), "wb") as source:
+                self.write({"out.csv": "another program's"})
+                source.write(b"a\n1\n")
+            message = tool.stderr.read().decode("utf-8")
+        os.remove(self.path("slow.csv"))
+        self.assertEqual((tool.returncode, message), (5, "vok_table: " + EXISTS))
+        self.assertEqual(self.content(), {"out.csv": b"another program's"})
+
+    @posix_only
+    @skip_for_windows("signals of this system")
+    def test_signals_that_are_to_be_ignored(self):
+        def ignore():
+            for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+                signal.signal(number, signal.SIG_IGN)
+        rows = [[f"проба {i}"] for i in range(20000)]
+        self.write({"t.sqlite": database(("a", "a TEXT", rows), ("b", "a TEXT", rows))})
+        with subprocess.Popen([*Settings.tool, "convert", "t.sqlite", "out", "--all-tables"], cwd=self.folder,
+                              preexec_fn=ignore, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.PIPE) as tool:
+            while tool.poll() is None:
+                for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+                    tool.send_signal(number)
+                time.sleep(0.001)
+            self.assertEqual((tool.returncode, tool.stderr.read()), (0, b""))
+        written = "a\r\n".encode() + "".join(f"{row[0]}\r\n" for row in rows).encode("cp1251")
+        self.assertTrue(all(self.content()[os.path.join("out", name)] == written for name in ("a.csv", "b.csv")))
 
 
 class DiskTrouble(CaseTest):

@@ -14,6 +14,7 @@ import zipfile
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
+from databases import database  # noqa: E402
 from tool_cases import CaseTest, Settings, main, posix_only, run_tool, skip_for_windows  # noqa: E402
 
 # Packages of the system belong to its own Python, which need not be the one that runs this.
@@ -206,6 +207,23 @@ class Told(Convert):
     def test_coded_character(self):
         self.both("a\nx_x0041_\n", 'row 1, field "a": holds _x, four hexadecimal digits and _, which '
                                    "spreadsheet programs read as a character")
+
+    def test_values_of_a_database(self):
+        self.write({"t.sqlite": database(("t", "a TEXT", [["x\ny"], ["\uffff"]]))})
+        run = run_tool("convert", "t.sqlite", "out.xlsx", "--table", "t", cwd=self.folder)
+        problem = '  row 2, field "a": holds a character that no workbook can hold (U+FFFF)\n'
+        self.assertEqual((run.code, run.err), (1, self.HEAD + problem))
+        self.assertIn("x\ny".encode(), self.parts()["xl/sharedStrings.xml"])
+
+    def test_every_hexadecimal_digit(self):
+        for digits in ("0123", "4567", "89ab", "cdef", "ABCD", "EF00"):
+            self.both(f"a\n_x{digits}_\n", 'row 1, field "a": holds _x, four hexadecimal digits and _, which '
+                                           "spreadsheet programs read as a character")
+
+    def test_what_is_no_coded_character(self):
+        digits = ("00G1", "00g1", "00:1", "00/1", "00@1", "00`1", "00411")
+        self.assert_clean(self.convert("a\n" + "".join(f"_x{each}_\n" for each in digits) +
+                                       "_x0041x\n_X0041_\n_x_x004\n", "--strict"))
 
     def test_too_many_columns(self):
         names = ";".join(f"c{i}" for i in range(16385))

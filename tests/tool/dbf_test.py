@@ -9,6 +9,7 @@ import sys
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
+from databases import database  # noqa: E402
 from tool_cases import CaseTest, main, run_tool  # noqa: E402
 
 try:
@@ -51,6 +52,26 @@ class Conversion(CaseTest):
         self.assertEqual(self.cat(), "WELL\tDEPTH\tDAY\tID\tNOTE\n101\t1250.5\t2024-02-29\t007\tЖила\n"
                                      "102\t-98.0\t1999-12-31\t010\t\n103\t\t\t1e5\ta,b\n")
 
+    def test_what_is_no_plain_number_and_no_day(self):
+        day = "2024-02-28"
+        for values, field in (
+                (["1."], "C2.0"), (["1.x"], "C3.0"), (["1.5x"], "C4.0"), ([".5"], "C2.0"), (["-"], "C1.0"),
+                (["-0"], "C2.0"), (["-0.0"], "C4.0"), (["-5", "0.0"], "N4.1"), (["00"], "C2.0"),
+                (["9" * 20], "N20.0"), (["9" * 21], "C21.0"), (["9" * 18, "0.12345678"], "C18.0"),
+                ([day], "D8.0"), ([day, "abcdefghij"], "C10.0"), ([day, "2024-02x28"], "C10.0"),
+                ([day, "2024-0a-28"], "C10.0"), ([day, "0000-02-28"], "C10.0"), ([day, "2024-00-28"], "C10.0"),
+                ([day, "2024-02-00"], "C10.0"), ([day, "2024-02-30"], "C10.0")):
+            with self.subTest(values):
+                run = self.convert("A\n" + "".join(value + "\n" for value in values), "--force", "--strict")
+                self.assertEqual((run.code, run.err, self.fields()), (0, "", ["A " + field]))
+                kept = [value if "N4.1" not in field else f"{float(value):.1f}" for value in values]
+                self.assertEqual(self.cat(), "A\n" + "".join(value + "\n" for value in kept))
+
+    def test_fields_without_values(self):
+        self.write({"t.sqlite": database(("t", "A FLOAT, B TEXT", [[None, None]]))})
+        run = run_tool("convert", "t.sqlite", "out.dbf", "--table", "t", "--strict", cwd=self.folder)
+        self.assertEqual((run.code, run.err, self.fields()), (0, "", ["A N10.0", "B C1.0"]))
+
     def test_strict_takes_what_fits(self):
         self.assertEqual(self.convert(WELLS, "--strict").code, 0)
 
@@ -75,17 +96,29 @@ class Conversion(CaseTest):
         self.assertEqual(run.code, 5)
         self.assertIn("out.dbf was written, but the .cpg file beside it", run.err)
         self.assertEqual(sorted(os.listdir(self.folder)), ["out.cpg", "out.dbf", "t.csv"])
+        # Nor can it be removed where the table's code page needs none.
+        run = run_tool("convert", "t.csv", "out.dbf", "--force", "--system-encoding", "CP866", cwd=self.folder)
+        self.assertEqual(run.code, 5)
+        self.assertIn("out.dbf was written, but the .cpg file beside it", run.err)
 
     def test_fields_may_be_named(self):
         run = self.convert(WELLS, "--fields", "DEPTH=N10.2, WELL=c20,DAY=C10")
         self.assertEqual((run.code, run.err), (0, ""))
         self.assertEqual(self.fields(), ["WELL C20.0", "DEPTH N10.2", "DAY C10.0", "ID C3.0", "NOTE C4.0"])
+        run = self.convert(WELLS, "--force", "--fields", "  DEPTH=N9.1  ,WELL=C5 , ID=C7 ")
+        self.assertEqual((run.code, run.err), (0, ""))
+        self.assertEqual(self.fields(), ["WELL C5.0", "DEPTH N9.1", "DAY D8.0", "ID C7.0", "NOTE C4.0"])
 
     def test_named_fields_that_cannot_be(self):
         for named, problem in (("NONE=C5", "there is no such field"), ("WELL", "has no type"),
                                ("WELL=X5", "the types are"), ("WELL=C255", "the types are"),
                                ("WELL=N21", "the types are"), ("WELL=N5.4", "the types are"),
-                               ("WELL=D8", "the types are"), ("WELL=C0", "the types are")):
+                               ("WELL=D8", "the types are"), ("WELL=C0", "the types are"),
+                               ("WELL=", "the types are"), ("WELL=C", "the types are"), ("WELL=Cx", "the types are"),
+                               ("WELL=C5x", "the types are"), ("WELL=C-5", "the types are"),
+                               ("WELL=C99999999999", "the types are"), ("WELL=~5", "the types are"),
+                               ("WELL=N5.", "the types are"), ("WELL=N5.x", "the types are"),
+                               ("WELL=N5.-1", "the types are"), ("  ", '--fields "" has no type')):
             run = self.convert(WELLS, "--fields", named)
             self.assertEqual(run.code, 2, named)
             self.assertIn(problem, run.err)
@@ -98,6 +131,8 @@ class Conversion(CaseTest):
         ("a character of another page", "A\n中\n", "holds a character outside Windows-1251 (U+4E2D)"),
         ("a long name", "ABCDEFGHIJK\n1\n", "the name is cut to 10 characters"),
         ("a name with other characters", "A B\n1\n", "the name is changed"),
+        ("a name with characters behind the letters", "A{\n1\n", "the name is changed: it may hold letters"),
+        ("a name that begins with a digit", "9A\n1\n", "the name is changed: it may hold letters"),
         ("names that are alike", "Ab;aB\n1;2\n", 'the name is changed: "Ab" is too much like it'),
     )
 
@@ -114,6 +149,24 @@ class Conversion(CaseTest):
                 self.assertIn("error: nothing was written: out.dbf cannot hold 1 value", run.err)
                 self.assertIn(reason, run.err)
                 self.assertNotIn("out.dbf", self.content())
+
+    def test_code_pages_are_named(self):
+        for page, name in (("CP866", "CP866"), ("CP1258", "Windows-1258"), ("ASCII", "ASCII")):
+            self.write({"t.csv": "A\n中\n"})
+            run = run_tool("convert", "t.csv", "out.dbf", "--force", "--system-encoding", page, cwd=self.folder)
+            self.assertEqual(run.code, 1)
+            self.assertIn(f'row 1, field "A": holds a character outside {name} (U+4E2D)\n', run.err)
+
+    def test_values_of_a_database(self):
+        self.write({"t.sqlite": database(("t", '"" TEXT, FIELD1 TEXT, C TEXT', [["x", "y ", "y\nz\x1a"]]))})
+        run = run_tool("convert", "t.sqlite", "out.dbf", "--table", "t", cwd=self.folder)
+        self.assertEqual((run.code, run.err),
+                         (1, "vok_table: warning: 3 values will not be read back unchanged from out.dbf:\n"
+                             '  the header, field "": has no name, and gets one\n'
+                             '  the header, field "FIELD1": the name is changed: "" is too much like it\n'
+                             '  row 1, field "FIELD1": ends with a blank, which is taken for padding\n'))
+        self.assertEqual(self.fields(), ["FIELD1 C1.0", "FIELD1_1 C2.0", "C C4.0"])
+        self.assertEqual(self.cat("--encoding", "UTF-8"), "FIELD1\tFIELD1_1\tC\nx\ty\ty\\nz\x1a\n")
 
     def test_values_that_do_not_fit_named_fields(self):
         for named, source, reason, stored in (
@@ -138,7 +191,7 @@ class Conversion(CaseTest):
     def test_numbers_at_the_edge_of_their_field(self):
         rounded, asterisks = "is rounded to 1 decimal", "does not fit, and becomes asterisks"
         for number, problem, stored in (("9.9", None, "9.9"), ("9.90", None, "9.9"), ("-0.5", None, "-.5"),
-                                        ("9.94", rounded, "9.9"), ("9.95", asterisks, ""),
+                                        ("9.94", rounded, "9.9"), ("1.95", rounded, "2.0"), ("9.95", asterisks, ""),
                                         ("0.96", rounded, "1.0"), ("-0.96", asterisks, ""),
                                         ("-0.04", rounded, "0.0"), ("10", asterisks, ""), ("-1", asterisks, "")):
             with self.subTest(number):
@@ -152,6 +205,14 @@ class Conversion(CaseTest):
         self.assertEqual(run.code, 2)
         self.assertIn("a DBF file holds 2 046 fields at most", run.err)
         self.assertEqual(list(self.content()), ["t.csv"])
+
+    def test_too_long_records(self):
+        too_long = "a record of a DBF file holds 65 535 bytes at most, and the table needs 65 787\n"
+        for count, code, problem in ((258, 0, ""), (259, 2, too_long)):
+            names = ";".join(f"F{i}" for i in range(count))
+            run = self.convert(names + "\n" + ";".join(["x" * 254] * count) + "\n", target=f"{count}.dbf")
+            self.assertEqual((run.code, run.err.partition("error: ")[2]), (code, problem))
+        self.assertEqual(sorted(self.content()), ["258.dbf", "t.csv"])
 
     def test_a_table_becomes_the_same_table_again(self):
         self.convert(WELLS)
@@ -175,6 +236,15 @@ class Conversion(CaseTest):
             run = run_tool("cat", "t.csv", "--system-encoding", name, cwd=self.folder)
             self.assertEqual(run.code, 2)
             self.assertIn("--system-encoding", run.err)
+
+    def test_the_systems_own_code_page(self):
+        self.convert("A\nЖила\n")
+        os.remove(self.path("out.dbf"))
+        for name in ("SYSTEM", "ansi"):
+            run = run_tool("convert", "t.csv", "out.dbf", "--force", "--system-encoding", name, cwd=self.folder)
+            named = self.content()["out.dbf"]
+            plain = run_tool("convert", "t.csv", "out.dbf", "--force", cwd=self.folder)
+            self.assertEqual((run.code, run.err, named), (plain.code, plain.err, self.content()["out.dbf"]))
 
     def test_a_file_that_is_no_table(self):
         self.write({"bad.dbf": "text\n"})

@@ -30,6 +30,13 @@ COMMANDS = ("the commands are tables, fields, head, cat, count, stats, errors, f
     Case("mistyped option with its value", ["cat", "t.csv", "--dleimiter=,"], "",
          ['cat has no option "--dleimiter"; perhaps --delimiter is meant\n'], 2, AB),
     Case("no file", ["cat"], "", ["error: FILE is required\n", CAT_HELP], 2),
+    Case("an option before the command", ["--csv", "errors", "t.csv"], "",
+         ['error: "--csv" stands before the command errors: options come behind it\n',
+          "hint: vok_table errors --help tells how it is used\n"], 2, AB),
+    Case("a word before the command", ["show", "cat", "t.csv"], "",
+         ['error: there is no command "show"; ' + COMMANDS], 2, AB),
+    Case("a minus alone", ["cat", "t.csv", "-"], "",
+         ['error: cat has no use for "-"; a name with blanks needs quotes\n'], 2, AB),
     Case("two files", ["cat", "t.csv", "t.csv"], "", ['error: cat has no use for "t.csv"; a name with blanks needs quotes\n'], 2, AB),
     Case("option without its value", ["cat", "t.csv", "--delimiter"], "",
          ["error: --delimiter needs a value: TEXT\n", CAT_HELP], 2, AB),
@@ -192,8 +199,44 @@ class Memory(CaseTest):
                          (3, b"", "vok_table: error: not enough memory for this table\n"))
 
 
+class Names(CaseTest):
+    @posix_only
+    @skip_for_windows("names are no bytes there")
+    def test_bytes_that_are_no_character(self):
+        run = run_tool("cat", os.fsdecode(b"a\xffb.csv"), cwd=self.folder)
+        self.assertEqual((run.code, run.err), (3, "vok_table: error: cannot open a\ufffdb.csv: there is no such file; "
+                                                  "check the path\n"))
+
+    @posix_only
+    @skip_for_windows("sockets of this system")
+    def test_a_socket(self):
+        import socket
+        with socket.socket(socket.AF_UNIX) as listener:
+            folder = os.open(self.folder, os.O_RDONLY)
+            self.addCleanup(os.close, folder)
+            listener.bind(f"/proc/self/fd/{folder}/t.csv")  # the folder's own path may be too long for one
+            for command in ("cat", "count"):
+                run = run_tool(command, "t.csv", cwd=self.folder)
+                self.assertEqual((run.code, run.out, run.err),
+                                 (3, b"", "vok_table: error: cannot open t.csv: it may not be read; check its "
+                                          "permissions and close programs that use it\n"))
+
+
 class Pipes(CaseTest):
     """A source that can be read only once: opened once, never looked into beforehand."""
+
+    @posix_only
+    @skip_for_windows("named pipes of this system")
+    def test_hints_read_no_pipe_again(self):
+        os.mkfifo(self.path("t.csv"))
+        with subprocess.Popen([*Settings.tool, "count", "t.csv"], cwd=self.folder, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE) as tool:
+            with open(self.path("t.csv"), "wb") as source:
+                source.write(b"a\n1;2\n3;4\n")
+            self.assertEqual((tool.stdout.read(), tool.stderr.read()),
+                             (b"0\n", b"vok_table: warning: 2 of 2 lines were rejected (first: line 2); "
+                                      b"see: vok_table errors t.csv\n"))
+        self.assertEqual(tool.returncode, 1)
 
     @posix_only
     @skip_for_windows("named pipes of this system")

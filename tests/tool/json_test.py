@@ -6,6 +6,7 @@ import sys
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
+from databases import database  # noqa: E402
 from tool_cases import CaseTest, main, posix_only, run_tool, skip_for_windows  # noqa: E402
 
 WELLS = {"t.csv": "WELL;DEPTH\n101;1250\n\n102\n103;98\n"}
@@ -49,6 +50,12 @@ class Commands(Document):
     def test_cat(self):
         self.assertEqual(self.data("cat", "t.csv", code=1),
                          {"file": "t.csv", "fields": self.fields, "rows": [["101", "1250"], ["103", "98"]]})
+
+    def test_cat_of_numbers(self):
+        self.write({"t.sqlite": database(("t", "a INTEGER, b TEXT", [[5, "x\ny"]]))})
+        self.assertEqual(self.data("cat", "t.sqlite", "--table", "t"),
+                         {"file": "t.sqlite", "rows": [["5", "x\ny"]],
+                          "fields": [{"name": "a", "type": "number"}, {"name": "b", "type": "text"}]})
 
     def test_cat_of_no_rows(self):
         self.write({"empty.csv": "a\n"})
@@ -138,6 +145,10 @@ class Messages(Document):
             self.assertEqual((read["command"], [each["kind"] for each in read["messages"]]),
                              (command, ["error", "hint"]))
 
+    def test_help_is_no_document(self):
+        run = run_tool("cat", "--json", "--help")
+        self.assertEqual((run.code, run.out, run.err), (0, run_tool("cat", "--help").out, ""))
+
     def test_two_forms(self):
         self.write(WELLS)
         self.assertIn("--json and --csv", self.messages("errors", "t.csv", "--csv", code=2)[0]["text"])
@@ -175,6 +186,13 @@ class Strings(Document):
         self.write({"t.csv": "a\n\x1b[2J\x9b\u202e\n"})
         out = run_tool("cat", "t.csv", "--json", cwd=self.folder).out
         self.assertIn(b'["\\u001b[2J\\u009b\\u202e"]', out)
+
+    def test_every_character_that_drives_a_terminal(self):
+        escaped = "\x7f\x9f\u061c\u200e\u200f\u2028\u202e\u2066\u2069\ufeff"
+        plain = "~\xa0\u061b\u061d\u200d\u2010\u2027\u202f\u2065\u206a\ufefe\uff00"
+        self.assertEqual(self.values(f"a\n-{escaped}{plain}\n"), [["-" + escaped + plain]])
+        out = run_tool("cat", "t.csv", "--json", cwd=self.folder).out.decode("utf-8")
+        self.assertIn('["-' + "".join(f"\\u{ord(character):04x}" for character in escaped) + plain + '"]', out)
 
     @posix_only
     @skip_for_windows("names are no bytes there")

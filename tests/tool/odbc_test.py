@@ -274,6 +274,38 @@ class Missing(OdbcCase):
             self.assertIn("a path with a semicolon cannot be told to a driver", run.err)
             self.assertNotIn("hint: install", run.err)
 
+    def test_a_path_that_the_code_page_lacks(self):
+        self.configure(f"[{ACCESS_DRIVER}]\nDriver=/nowhere/lost.so\n", f"[access]\nDriver={ACCESS_DRIVER}\n")
+        self.write({"\u4e2d.mdb": "x"})
+        run = self.tool("cat", "\u4e2d.mdb", "--system-encoding", "CP1251", code=3)
+        self.assertIn("  access: the path holds characters that the system's code page 1251 lacks; rename", run.err)
+
+    def test_types_and_extensions(self):
+        self.configure()
+        self.write({"t.xls": "x", "t.dat": "x", "dhdb": "x"})
+        excel, access, any_source = (f'source whose name holds "{word}"' for word in ("excel", "access", ""))
+        for name, kind, needs in (("t.xls", "xls-odbc", excel), ("t.xlsx", "xls-odbc", excel),
+                                  ("t.xls", "access", excel), ("t.mdb", "access", access),
+                                  ("t.accdb", "xls-odbc", access), ("t.dat", "access", any_source),
+                                  ("t.mdb", "dhdb", ACCESS_DRIVER), ("dhdb", "dhdb", ACCESS_DRIVER)):
+            run = self.tool("cat", name, "--type", kind, code=4)
+            self.assertIn(f"cannot open {name}: this machine has no ODBC driver for it", run.err)
+            self.assertIn(needs, run.err)
+
+    def test_no_converter_beside_the_tool(self):
+        if Settings.is_windows():
+            self.skipTest("the program needs the libraries beside it")
+        self.configure()
+        run = self.run_copy("cat", "t.xlsx", env=self.environment)
+        self.assertEqual((run.code, run.out), (4, b""))
+        self.assertIn("cannot open t.xlsx: this machine has no ODBC driver for it\n", run.err)
+        self.assertIn("hint: install the converter vok_xls2csv.exe beside vok_table, or an ODBC driver", run.err)
+        out = self.run_copy("doctor", env=self.environment).out.decode("utf-8")
+        found = dict(line.split("\t") for line in out.splitlines())
+        self.assertEqual(found["converter"], self.path("vok_xls2csv.exe") + " is missing")
+        self.assertEqual(found["spreadsheets by converter (.xls, .xlsx)"],
+                         "put vok_xls2csv.exe there, which comes with this program")
+
     def test_a_pipe_is_not_waited_for(self):
         if Settings.is_windows():
             self.skipTest("there are no named pipes in folders")
@@ -315,6 +347,28 @@ class Doctor(OdbcCase):
                          ["One ACCESS", "Two excel"])
         self.assertEqual(dict(found)["Access databases (.mdb, .accdb)"], "ready: One ACCESS")
         self.assertEqual(dict(found)["spreadsheets by ODBC (.xls, .xlsx)"], "ready: Two excel")
+
+    def test_locales(self):
+        if Settings.is_windows():
+            self.skipTest("Wine has settings of its own")
+        self.configure()
+        for settings, shown in (({"LC_ALL": "C.UTF-8"}, "LC_ALL=C.UTF-8"), ({"LC_CTYPE": "ru_RU"}, "LC_CTYPE=ru_RU"),
+                                ({"LC_ALL": "", "LANG": "C"}, "LANG=C"), ({}, "none is set"),
+                                ({"LC_ALL": "", "LC_CTYPE": "", "LANG": ""}, "none is set")):
+            self.environment.update({"LC_ALL": None, "LC_CTYPE": None, "LANG": None, **settings})
+            self.assertEqual(dict(self.found())["locale"], shown)
+
+    def test_a_type_that_is_none(self):
+        self.configure()
+        self.write({"t.csv": "a\n"})
+        run = self.tool("doctor", "t.csv", "--type", "ods", code=2)
+        self.assertIn(b"ODBC driver manager\t", run.out)
+        self.assertIn('error: there is no type "ods"', run.err)
+
+    def test_no_table(self):
+        self.configure()
+        self.write({"t.sqlite": ""})
+        self.assertIn("t.sqlite holds no table that can be listed", self.tool("doctor", "t.sqlite", code=3).err)
 
     def test_files(self):
         self.configure()

@@ -5,6 +5,7 @@ import sys
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
+from databases import database  # noqa: E402
 from tool_cases import (Case, CaseTest, Settings, cases, main, run_tool,  # noqa: E402
                         skip_for_windows)
 
@@ -72,6 +73,22 @@ class Commands(CaseTest):
          files={"t.csv": b"a;b\n1;2\n\x1a"}),
 )
 class Errors(CaseTest):
+    def test_a_nul_byte_in_an_earlier_block(self):
+        self.write({"t.csv": b"a\n1\0\n" + b"22\n" * 200000 + b"3;4\n"})
+        run = run_tool("errors", "t.csv", cwd=self.folder)
+        self.assertEqual(run.code, 1)
+        self.assertIn("the file holds NUL bytes", run.err)
+
+    def test_a_format_that_is_no_delimited_text(self):
+        self.write({"t.sqlite": database(("t", "a TEXT", [["x"]]))})
+        run = run_tool("errors", "t.sqlite", "--table", "t", cwd=self.folder)
+        self.assertEqual((run.code, run.out, run.err), (0, b"line\toffset\texpected\tfound\ttext\n", ""))
+
+    def test_the_named_command_with_letters_of_all_kinds(self):
+        self.write({"скв.csv": "a;b\n1\n"})
+        run = run_tool("count", "скв.csv", "--quote", "", cwd=self.folder)
+        self.assertIn('see: vok_table errors скв.csv --quote ""\n', run.err)
+
     @skip_for_windows("such names are none there")
     def test_the_named_command_runs_nothing_but_the_tool(self):
         for name, word in (("$(touch x).csv", "'$(touch x).csv'"), ("`a`.csv", "'`a`.csv'"),
@@ -161,6 +178,7 @@ def word(text, encoding):
          files={"t.csv": "a\nb\n2\n3\n"}),
     Case("type by name", ["cat", "t.dbf", "--type", "CSV"], "a\n", files={"t.dbf": "a\n"}),
     Case("type by number", ["cat", "t.dbf", "--type", "1"], "a\n", files={"t.dbf": "a\n"}),
+    Case("type auto by number", ["cat", "t.csv", "--type", "0"], "a\n", files={"t.csv": "a\n"}),
     Case("type auto", ["cat", "t.CSV", "--type", "auto"], "a\n", files={"t.CSV": "a\n"}),
     Case("unknown extension", ["cat", "t.xyz"], "a\n", files={"t.xyz": "a\n"}),
     Case("table of a file that has none", ["cat", "t.csv", "--table", "x"], "a\n", files={"t.csv": "a\n"}),
@@ -218,6 +236,11 @@ SEMICOLON = "hint: the values seem to be separated otherwise: try --delimiter \"
          files={"t.csv": "a\nскв".encode("cp1251")}),
     Case("UTF-8 read as something else", ["count", "t.csv", "--encoding", "CP1251"], "1\n",
          ["hint: the file begins like UTF-8 text: try --encoding UTF-8\n"], files=BOM),
+    Case("UTF-8 that is cut between two bytes of a character", ["count", "t.csv", "--encoding", "CP1251"], "1\n",
+         ["hint: the file begins like UTF-8 text: try --encoding UTF-8\n"],
+         files={"t.csv": "a\nx" + "Ж" * 3000 + "\n"}),
+    Case("UTF-16 in the other order", ["fields", "t.csv"], "\ufffd\ufffd\ttext\n",
+         ["hint: the file begins like UTF-16"], files={"t.csv": "\ufeffa".encode("utf-16-be")}),
     Case("UTF-16", ["fields", "t.csv"], "\ufffd\ufffda\ttext\n", ["hint: the file begins like UTF-16"],
          files={"t.csv": "\ufeffa\n".encode("utf-16-le")}),
 )

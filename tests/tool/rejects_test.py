@@ -4,11 +4,15 @@ import csv
 import io
 import os
 import random
+import signal
+import subprocess
 import sys
+import time
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
-from tool_cases import Case, CaseTest, cases, main, posix_only, run_tool, skip_for_windows  # noqa: E402
+from tool_cases import (Case, CaseTest, Settings, cases, main, posix_only, run_tool,  # noqa: E402
+                        skip_for_windows)
 
 REJECTED = {"t.csv": b"a;b\r\n1;2\r\n3\r\n4;5;6\r\n7;8\r\n"}
 WRITTEN = b"a;b\r\n1;2\r\n7;8\r\n"
@@ -29,7 +33,8 @@ def report(name, line, text):
     report("plain", "x", "x"),
     report("a comma", "x,y", '"x,y"'),
     report("quotes", '"x" y', '"""x"" y"'),
-    report("blanks at the ends", " x", '" x"'),
+    report("a blank in front", " x", '" x"'),
+    report("a blank at the end", "x ", '"x "'),
     report("a line break", "x\ry", '"x\ry"'),
     report("Cyrillic", "скв;1;2", "скв;1;2"),
     Case("of another command", ["cat", "t.csv", "--csv"], "", ["cat has no option \"--csv\""], 2, REJECTED),
@@ -88,6 +93,26 @@ class Rejects(CaseTest):
         run = run_tool(*CONVERT, cwd=self.folder)
         self.assertEqual((run.code, self.content()["bad.csv"]), (1, line + line))
 
+    @posix_only
+    @skip_for_windows("signals of this system")
+    def test_interrupted(self):
+        # The target is whole by then and stays.
+        self.write({"t.csv": b"a;b\n1;2\n" + b"3\n" * 1000000})
+
+        def has_begun():
+            names = os.listdir(self.folder)
+            return "out.csv" in names and any(name.startswith("~vok_table") for name in names)
+        with subprocess.Popen([*Settings.tool, *CONVERT], cwd=self.folder, stdin=subprocess.DEVNULL,
+                              stderr=subprocess.PIPE) as tool:
+            while tool.poll() is None and not has_begun():
+                time.sleep(0.001)
+            tool.send_signal(signal.SIGINT)
+            message = tool.stderr.read().decode("utf-8")
+        self.assertEqual(tool.returncode, 5)
+        self.assertTrue(message.startswith("vok_table: error: interrupted: bad.csv was not written\n"), message)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["out.csv", "t.csv"])
+        self.assertEqual(self.content()["out.csv"], b"a;b\r\n1;2\r\n")
+
     def test_what_is_kept_can_be_read_again(self):
         self.write(REJECTED)
         run_tool(*CONVERT, cwd=self.folder)
@@ -100,6 +125,50 @@ class Rejects(CaseTest):
         os.mkfifo(self.path("pipe.csv"))
         run = run_tool("convert", "pipe.csv", "out.csv", "--rejects", "bad.csv", cwd=self.folder)
         self.assertEqual((run.code, "can be read only once" in run.err), (3, True))
+
+
+@posix_only
+class OtherConverter(CaseTest):
+    """A converter whose lines do not fit each other: they have no place in the workbook."""
+
+    def setUp(self):
+        super().setUp()
+        self.convert_to("printf 'a$b\\n1$2\\nскв\\n4$5$6\\n'")
+
+    def convert_to(self, command):
+        self.write({"t.xlsx": "", "vok_xls2csv.exe": f'#!/bin/sh\n{{ {command}; }} > "$3/t.csv"\n'})
+        os.chmod(self.path("vok_xls2csv.exe"), 0o755)
+
+    @skip_for_windows("its converter is no script of this system")
+    def test_report(self):
+        for options, out in ((["--csv"], TITLES + "3,,2,1,скв\n4,,2,3,4$5$6\n"),
+                             ([], TITLES.replace(",", "\t") + "3\t\t2\t1\tскв\n4\t\t2\t3\t4$5$6\n")):
+            run = self.run_copy("errors", "t.xlsx", *options)
+            self.assertEqual((run.code, run.out.decode("utf-8")), (1, out), run.err)
+        run = self.run_copy("errors", "t.xlsx", "--json")
+        self.assertIn(b'{"line":3,"offset":null,"expected":2,"found":1,', run.out)
+
+    @skip_for_windows("its converter is no script of this system")
+    def test_rejects(self):
+        run = self.run_copy("convert", "t.xlsx", "out.csv", "--rejects", "bad.csv")
+        self.assertEqual((run.code, self.content()["bad.csv"].decode("utf-8")), (1, "скв\n4$5$6\n"), run.err)
+        self.assertEqual(self.content()["out.csv"], b"a;b\r\n1;2\r\n")
+
+    @skip_for_windows("its converter is no script of this system")
+    def test_rejects_that_cannot_be_written(self):
+        def limit_file_size():
+            import resource
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 16, 1 << 16))
+        run = self.run_copy("convert", "t.xlsx", "out.csv", "--rejects", "no/bad.csv")
+        self.assertEqual(run.code, 5)
+        self.assertIn("cannot write no/bad.csv: check that its folder exists, may be written to and has room", run.err)
+        # The line takes three times as many bytes once each of them is a character.
+        self.convert_to("printf 'a$b\\n1$2\\n'; head -c 30000 /dev/zero | tr '\\0' '\\377'; echo")
+        run = self.run_copy("convert", "t.xlsx", "out.csv", "--rejects", "bad.csv", "--force", preexec_fn=limit_file_size)
+        self.assertEqual(run.code, 5)
+        self.assertIn("cannot write bad.csv: check that its folder exists, may be written to and has room", run.err)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["out.csv", "t.xlsx", "vok_table", "vok_xls2csv.exe"])
 
 
 if __name__ == "__main__":

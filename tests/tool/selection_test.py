@@ -5,6 +5,7 @@ import sys
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
+from databases import database  # noqa: E402
 from tool_cases import Case, CaseTest, cases, main, run_tool  # noqa: E402
 
 ABC = {"t.csv": "a;b;c\n1;2;3\n4;5;6\n"}
@@ -42,10 +43,21 @@ def selected(name, header, selection, answer, **more):
     selected("a mark before the first name", "\ufeffa;b;c", "a", "\ufeffa\n1\n",
              err=["warning: t.csv begins with a byte-order mark"]),
     selected("a blank belongs to a name", "a; b;c", " b", " b\n2\n"),
+    Case("a table without fields", ["cat", "t.csv", "--select", "a", "--header-row", "9"], "",
+         ['error: --select "a": this is no field of t.csv; it has no fields\n'], 2, ABC),
     Case("short rows", ["cat", "t.petrel", "--select", "MD,Well"], "MD\tWell\n5\tP\n\tQ\n", files=PETREL),
     Case("of another command", ["count", "t.csv", "--select", "a"], "", ["count has no option \"--select\""], 2, ABC),
 )
 class Select(CaseTest):
+    def test_an_empty_name(self):
+        self.write({"t.sqlite": database(("t", '"" TEXT, b TEXT', [["x", "y"]])), **ABC})
+        for selection, answer in (("", b"\nx\n"), ("b,", b"b\t\ny\tx\n"), (",b", b"\tb\nx\ty\n"), (",", b"\t\nx\tx\n")):
+            run = run_tool("cat", "t.sqlite", "--table", "t", "--select", selection, cwd=self.folder)
+            self.assertEqual((run.code, run.out, run.err), (0, answer, ""), selection)
+        run = run_tool("cat", "t.sqlite", "--table", "t", "--select", "c,", cwd=self.folder)
+        self.assertEqual((run.code, run.err), (2, 'vok_table: error: --select "c": this is no field of t.sqlite; '
+                                                  'its fields are "", "b"\n'))
+
     def test_a_dbf_file_of_some_fields(self):
         self.write(ABC)
         run = run_tool("convert", "t.csv", "out.dbf", "--select", "c,b", "--fields", "b=C7", cwd=self.folder)

@@ -8,6 +8,7 @@ import sys
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
+from databases import database  # noqa: E402
 from tool_cases import CaseTest, Settings, main, run_tool  # noqa: E402
 
 
@@ -90,6 +91,13 @@ class Example(SqliteCase):
         run = self.tool("cat", self.path_of_example(), code=3)
         self.assertIn(": the table to read was not named\n", run.err)
         self.assertIn("name one of its tables with --table: well_base, sqlite_sequence, Каротаж_101", run.err)
+
+    def test_more_tables_than_are_named(self):
+        for count, end in ((8, ": " + ", ".join(f"t{i}" for i in range(8))), (9, ", t7 ...")):
+            with open(self.path("t.sqlite"), "wb") as file:
+                file.write(database(*((f"t{i}", "a", []) for i in range(count))))
+            run = self.tool("cat", "t.sqlite", code=3)
+            self.assertTrue(run.err.endswith(end + "\n"), run.err)
 
     def test_a_table_that_is_not_there(self):
         for command in ("cat", "fields", "head", "count"):

@@ -37,6 +37,7 @@ def one_field(name, values, answer, **more):
               "4\t4\t1\t15\t-1e999999999999\t1e999999999999"),
     one_field("zeros", ["0", "-0.00", "0e9"], "3\t3\t1\t5\t0\t0"),
     one_field("nothing is a number by its name", ["nan", "inf"], "2\t2\t3\t3\t\t"),
+    one_field("an exponent without digits is text", ["1e", "2E+", "3"], "3\t3\t1\t3\t\t"),
     one_field("hexadecimal is text", ["0x10", "1"], "2\t2\t1\t4\t\t"),
     Case("no rows", ["stats", "t.csv"], TITLES + "a\t0\t0\t\t\t\t\n", files={"t.csv": "a\n"}),
     Case("rejected lines do not count", ["stats", "t.csv"], TITLES + "a\t1\t1\t1\t1\t1\t1\n",

@@ -5,6 +5,7 @@ The terminal is a pseudo terminal of this system, so the Windows program cannot 
 import os
 import re
 import select
+import signal
 import subprocess
 import sys
 import time
@@ -20,15 +21,26 @@ class Terminal:
     """A pseudo terminal; what the tool writes to it is collected without the terminal's own changes."""
 
     def __init__(self, columns=80):
-        import fcntl
         import pty
-        import struct
         import termios
         self.ours, self.theirs = pty.openpty()
         attributes = termios.tcgetattr(self.theirs)
         attributes[1] &= ~termios.OPOST
         termios.tcsetattr(self.theirs, termios.TCSANOW, attributes)
+        self.set_columns(columns)
+
+    def set_columns(self, columns):
+        import fcntl
+        import struct
+        import termios
         fcntl.ioctl(self.theirs, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+
+    def read_until(self, pattern):
+        """What is written up to a sign that the pattern finds, or until nothing comes for long."""
+        seen = b""
+        while not re.search(pattern, seen) and select.select([self.ours], [], [], 60)[0]:
+            seen += self.read_some()
+        return seen.decode("utf-8")
 
     def read_some(self):
         try:
@@ -146,6 +158,7 @@ class Colours(TerminalTest):
 
     def test_terminals_without_colours(self):
         self.assertNotIn(ESCAPE, self.warning(TERM="dumb"))
+        self.assertNotIn(ESCAPE, self.warning(TERM=""))
         self.assertNotIn(ESCAPE, self.warning())
 
     def test_names_cannot_drive_the_terminal(self):
@@ -167,13 +180,11 @@ class Progress(TerminalTest):
         terminal = Terminal(columns=200)
         feeder = os.open(self.path("slow.csv"), os.O_RDWR)
         with start(["count", "slow.csv"], environment, self.folder, out, terminal.theirs) as tool:
-            seen = b""
-            while b"slow.csv" not in seen and select.select([terminal.ours], [], [], 60)[0]:
-                seen += terminal.read_some()
+            text = terminal.read_until(b"slow.csv")
             os.write(feeder, b"a\n1\n")
             os.close(feeder)
             answer = tool.stdout.read()
-            text = seen.decode("utf-8") + terminal.read_rest()
+            text += terminal.read_rest()
         self.assertEqual((tool.returncode, answer), (0, b"1\n"))
         return text
 
@@ -183,6 +194,42 @@ class Progress(TerminalTest):
         self.assertNotEqual(drawn, [])
         self.assertTrue(text.endswith("\r" + " " * (len(drawn[-1]) - 1) + "\r"), repr(text))
         self.assertEqual(re.sub(r"\rreading slow\.csv: \d+ s|\r +\r", "", text), "")
+
+    def test_a_terminal_that_becomes_narrow(self):
+        os.mkfifo(self.path("slow.csv"))
+        terminal = Terminal(columns=200)
+        feeder = os.open(self.path("slow.csv"), os.O_RDWR)
+        with start(["count", "slow.csv"], {"TERM": "dumb"}, self.folder, subprocess.PIPE, terminal.theirs) as tool:
+            whole = re.match(r"\rreading slow\.csv: \d+ s", terminal.read_until(rb"\d s"))[0][1:]
+            terminal.set_columns(13)
+            text = terminal.read_until(rb"\r +\r\rreadin(\rreadin)+")
+            os.write(feeder, b"a\n1\n")
+            os.close(feeder)
+            self.assertEqual(tool.stdout.read(), b"1\n")
+            text += terminal.read_rest()
+        # The longer line is wiped away before half of a narrow terminal is filled.
+        self.assertRegex(text, r"^(\rreading slow\.csv: \d+ s)*\r {%d}\r(\rreadin)+\r {6}\r$" % len(whole))
+
+    def test_rows_are_counted_while_they_are_written(self):
+        self.write({"t.csv": "a;b\n" + "".join(f"{i};text {i * 7919}\n" for i in range(200000))})
+        os.mkdir(self.path("temp"))
+        terminal = Terminal(columns=200)
+        with start(["convert", "t.csv", "out.xlsx"], {"TERM": "dumb", "TEMP": self.path("temp")}, self.folder,
+                   subprocess.PIPE, terminal.theirs) as tool:
+            while tool.poll() is None and not os.listdir(self.path("temp")):
+                time.sleep(0.001)
+            # The line's patience goes on while the program stands, and between its steps the line has its turn.
+            text = ""
+            while tool.poll() is None and " rows" not in text:
+                tool.send_signal(signal.SIGSTOP)
+                time.sleep(0.6)
+                tool.send_signal(signal.SIGCONT)
+                if select.select([terminal.ours], [], [], 0.002)[0]:
+                    text += terminal.read_some().decode("utf-8")
+            text += terminal.read_rest()
+        self.assertEqual(tool.returncode, 0)
+        self.assertRegex(text, r"\rwriting out\.xlsx: [\d ]+ of 200 000 rows")
+        self.assertTrue(text.endswith(" \r"), repr(text))
 
 
 class NoTerminal(CaseTest):

@@ -36,9 +36,11 @@ class Run:
 
 
 def run_tool(*args, cwd=None, env=None, **more):
-    """Starts the tool and waits. Settings of the environment that could change the answers are gone."""
+    """Starts the tool and waits. Settings of the environment that could change the answers are gone, and those that
+    `env` has as None."""
     environment = {k: v for k, v in os.environ.items() if k not in ("NO_COLOR", "TERM")}
     environment.update(env or {})
+    environment = {k: v for k, v in environment.items() if v is not None}
     done = subprocess.run([*Settings.tool, *args], cwd=cwd, env=environment, check=False,
                           stdin=subprocess.DEVNULL, stderr=subprocess.PIPE,
                           **{"stdout": subprocess.PIPE, **more})
@@ -72,6 +74,15 @@ class CaseTest(unittest.TestCase):
             os.makedirs(os.path.dirname(self.path(name)), exist_ok=True)
             with open(self.path(name), "wb") as file:
                 file.write(content.encode("utf-8") if isinstance(content, str) else content)
+
+    def run_copy(self, *args, env=None, **more):
+        """Starts a copy of the tool in the test's folder, where the converter does not stand beside it."""
+        copy = self.path("vok_table")
+        shutil.copy(Settings.tool[-1], copy)
+        environment = {**os.environ, **(env or {}), "LD_LIBRARY_PATH": os.path.dirname(Settings.tool[-1])}
+        done = subprocess.run([copy, *args], cwd=self.folder, env=environment, check=False, stdin=subprocess.DEVNULL,
+                              capture_output=True, **more)
+        return Run(done.returncode, done.stdout, done.stderr.decode("utf-8"))
 
     def content(self):
         """All files in the folder and what they hold."""
