@@ -7,8 +7,7 @@ namespace {
 
 constexpr std::int64_t greatestExponent = 1'000'000'000;
 
-/// Signs, points and commas, which are what else a number holds, stand before the digits.
-bool isDigit(wchar_t character) { return character >= L'0'; }
+bool isDigit(wchar_t character) { return character >= L'0' && character <= L'9'; }
 
 std::int64_t exponentOf(std::wstring_view text) {
   const bool isNegative = text.starts_with(L'-');
