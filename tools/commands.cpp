@@ -58,7 +58,7 @@ exitCode listFields(const commandLine& request, toolContext& context) {
     }
   };
   context.answer.records(list);
-  return concludeReading(*reader, request.reading, context);
+  return concludeReading(*reader, request.reading, context, listing::elsewhere, coverage::fields);
 }
 
 exitCode showFirstRows(const commandLine& request, toolContext& context) {

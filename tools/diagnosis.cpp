@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/files.h"
+#include "tools/dbfLook.h"
+#include "tools/fileBegin.h"
 #include "tools/formats.h"
 #include "tools/text.h"
 
@@ -19,6 +22,7 @@ namespace {
 constexpr std::uint64_t rowsLookedAt = 20;
 constexpr std::size_t bytesLookedAt = 4096;
 constexpr std::size_t blockSize = 256 * 1024;
+constexpr std::uint64_t wholeFile = std::numeric_limits<std::uint64_t>::max();
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr wchar_t mark = static_cast<wchar_t>(byteOrderMark);
 constexpr wchar_t undecoded = static_cast<wchar_t>(replacementCharacter);
@@ -27,32 +31,24 @@ bool beginsWith(const std::wstring& text, wchar_t character) {
   return !text.empty() && text.front() == character;
 }
 
-/// Hands over the field names and the values of the first rows.
-template <typename Visitor>
-void visitEarlyTexts(const tableRW::tableReader& reader, Visitor visit) {
+/// Asks about the field names and the values of the first rows.
+/// @return whether any of them was what is looked for; those behind it are not asked about
+template <typename Predicate>
+bool hasText(const tableRW::tableReader& reader, std::uint64_t rows, Predicate isWanted) {
   std::vector<std::wstring> texts;
   reader.fieldList(texts);
-  std::for_each(texts.begin(), texts.end(), visit);
-  for (std::size_t row = 0; row < std::min(rowsLookedAt, reader.count()); ++row) {
+  bool isFound = std::any_of(texts.begin(), texts.end(), isWanted);
+  for (std::size_t row = 0; row < std::min(rows, reader.count()) && !isFound; ++row) {
     reader.getRow(row, texts);
-    std::for_each(texts.begin(), texts.end(), visit);
+    isFound = std::any_of(texts.begin(), texts.end(), isWanted);
   }
+  return isFound;
 }
 
-bool hasUndecodedText(const tableRW::tableReader& reader) {
-  bool found = false;
-  visitEarlyTexts(reader, [&found](const std::wstring& text) {
-    found = found || text.find(undecoded) != std::wstring::npos;
+bool hasUndecodedText(const tableRW::tableReader& reader, std::uint64_t rows) {
+  return hasText(reader, rows, [](const std::wstring& text) {
+    return text.find(undecoded) != std::wstring::npos;
   });
-  return found;
-}
-
-std::string firstBytes(const std::wstring& path, std::size_t count) {
-  platform::binaryFile file;
-  if (platform::isPipeOrDevice(path) || !file.openForReading(path)) return {};
-  std::string bytes(count, '\0');
-  bytes.resize(file.read(bytes.data(), bytes.size()));
-  return bytes;
 }
 
 void warnOfByteOrderMark(const tableRW::tableReader& reader, const readingArguments& arguments,
@@ -117,7 +113,10 @@ void hintAtDelimiter(tableRW::tableReader& reader, const tableRW::tableReaderOpt
   }
   std::wstring sample = first.text;
   if (!mostRejected) {
-    visitEarlyTexts(reader, [&sample](const std::wstring& text) { sample += text; });
+    hasText(reader, rowsLookedAt, [&sample](const std::wstring& text) {
+      sample += text;
+      return false;
+    });
   }
   if (const auto delimiter = otherDelimiter(sample, options.delimiter)) {
     messages.hint(
@@ -136,50 +135,46 @@ bool isUtf8Text(const std::string& bytes) {
 void hintAtEncoding(const tableRW::tableReader& reader, const tableRW::tableReaderOptions& options,
                     const messageWriter& messages) {
   const std::string begin = firstBytes(options.path, bytesLookedAt);
-  if (begin.starts_with("\xFF\xFE") || begin.starts_with("\xFE\xFF")) {
+  if (beginsLikeUtf16(begin)) {
     messages.hint("the file begins like UTF-16 text, which cannot be read: save it as UTF-8");
   } else if (options.encoding != 0 && (begin.starts_with(utf8Mark) || isUtf8Text(begin))) {
     messages.hint("the file begins like UTF-8 text: try --encoding UTF-8");
-  } else if (hasUndecodedText(reader)) {
+  } else if (hasUndecodedText(reader, rowsLookedAt)) {
     messages.hint(
         "some characters could not be decoded: try another --encoding, such as CP1251 or CP866");
   }
 }
 
-}  // namespace
-
-exitCode diagnose(tableRW::tableReader& reader, const readingArguments& arguments, listing rejected,
-                  const messageWriter& messages) {
-  std::string problem;
-  // There are options: the reader was opened with them.
-  const auto options = makeReaderOptions(arguments, problem);
-  if (reader.fieldCount() == 0)
-    messages.warning(fmt::format("no fields were found in {}; check --header-row", arguments.file));
-  warnOfByteOrderMark(reader, arguments, messages);
-  const std::uint64_t errors = reader.errorCount();
-  if (errors > 0) {
-    std::string text = fmt::format("{} of {} lines {} rejected", grouped(errors),
-                                   grouped(reader.count() + errors), errors == 1 ? "was" : "were");
-    if (rejected == listing::elsewhere)
-      text += fmt::format(" (first: line {}); see: {}", grouped(reader.getError(0) + 1),
-                          commandFor("errors", arguments));
-    messages.warning(text);
+/// What such a table holds is in the code page of the system that wrote it.
+void warnOfCodePage(const tableRW::tableReader& reader, const readingArguments& arguments,
+                    const messageWriter& messages) {
+  if (arguments.encoding) {
+    messages.warning(
+        fmt::format("--encoding does nothing for {}, which is no delimited text: --system-encoding "
+                    "chooses its code page",
+                    arguments.file));
   }
-  if (isDelimitedText(options->file_type, options->path)) {
-    hintAtDelimiter(reader, *options, messages);
-    hintAtEncoding(reader, *options, messages);
+  if (hasUndecodedText(reader, reader.count())) {
+    messages.warning(
+        fmt::format("some characters of {} could not be decoded and became U+FFFD: choose its code "
+                    "page with --system-encoding, such as CP1251 or CP866",
+                    arguments.file));
   }
-  return errors > 0 ? exitCode::rejected : exitCode::clean;
 }
 
-void warnOfSpecialBytes(const std::wstring& path, const messageWriter& messages) {
+/// Warns of bytes in a text file that make its lines or its end differ from what an editor shows: NUL bytes, which
+/// can join two lines, and 0x1A, which ends the text.
+/// @param most  bytes that are looked at, in whole blocks
+void warnOfSpecialBytes(const std::wstring& path, std::uint64_t most,
+                        const messageWriter& messages) {
+  if (platform::isPipeOrDevice(path)) return;
   platform::binaryFile file;
-  if (!file.openForReading(path)) return;
+  file.openForReading(path);
   std::vector<char> block(blockSize);
   std::uint64_t offset = 0;
   bool hasNul = false;
   bool hasEnd = false;
-  while (!hasEnd) {
+  while (!hasEnd && offset < most) {
     const std::size_t size = file.read(block.data(), block.size());
     if (size == 0) break;
     const std::string_view bytes(block.data(), size);
@@ -190,13 +185,53 @@ void warnOfSpecialBytes(const std::wstring& path, const messageWriter& messages)
   }
   if (hasNul) {
     messages.warning(
-        "the file holds NUL bytes: one can join two lines, so an editor may count lines otherwise");
+        "the file holds NUL bytes: one can join two lines and hide what follows it, so an "
+        "editor may show other lines");
   }
   if (hasEnd && offset + 1 < file.size()) {
     messages.warning(
         fmt::format("the text ends at byte {} (Ctrl-Z, 0x1A): {} behind it cannot be reached",
                     grouped(offset + 1), counted(file.size() - offset - 1, "byte")));
   }
+}
+
+}  // namespace
+
+exitCode diagnose(tableRW::tableReader& reader, const readingArguments& arguments, listing rejected,
+                  coverage seen, const messageWriter& messages) {
+  std::string problem;
+  // There are options: the reader was opened with them.
+  const auto options = makeReaderOptions(arguments, problem);
+  if (reader.fieldCount() == 0)
+    messages.warning(fmt::format("no fields were found in {}; check --header-row", arguments.file));
+  const std::int32_t type = fileTypeOf(options->file_type, options->path);
+  if (type == tableRW::fileTypeCsv || type == tableRW::fileTypePetrel)
+    warnOfByteOrderMark(reader, arguments, messages);
+  const std::uint64_t errors = reader.errorCount();
+  if (errors > 0) {
+    std::string text = fmt::format("{} of {} lines {} rejected", grouped(errors),
+                                   grouped(reader.count() + errors), errors == 1 ? "was" : "were");
+    if (rejected == listing::elsewhere)
+      text += fmt::format(" (first: line {}); see: {}", grouped(reader.getError(0) + 1),
+                          commandFor("errors", arguments));
+    messages.warning(text);
+  }
+  switch (type) {
+    case tableRW::fileTypeCsv:
+      hintAtDelimiter(reader, *options, messages);
+      hintAtEncoding(reader, *options, messages);
+      warnOfSpecialBytes(options->path, seen == coverage::whole ? wholeFile : blockSize, messages);
+      break;
+    case tableRW::fileTypeDbf:
+      warnOfMissingParts(options->path, arguments.file, messages);
+      [[fallthrough]];
+    case tableRW::fileTypeMicromineData:
+      warnOfCodePage(reader, arguments, messages);
+      break;
+    default:
+      break;
+  }
+  return errors > 0 ? exitCode::rejected : exitCode::clean;
 }
 
 }  // namespace vokTable

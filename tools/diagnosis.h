@@ -1,9 +1,10 @@
 // What a user should know about a source that was read: lines that were rejected, a byte-order
-// mark, and signs that the delimiter, the header row or the encoding is another one. The data stay
-// as they are.
+// mark, bytes that end a line or the text, signs that the delimiter, the header row, the encoding or
+// the code page is another one, and what a DBF table lacks. The data stay as they are.
 //
-// Hints are cheap guesses from the header, the first rows and the first rejected line; they never
-// change the exit code.
+// A DBF table and a Micromine data file are searched to their end for text that could not be
+// decoded: whoever converts one loses it for good. Hints are cheap guesses from the header, the
+// first rows and the first rejected line. Neither changes the exit code; rejected lines do.
 #ifndef VOK_TOOLS_DIAGNOSIS_H
 #define VOK_TOOLS_DIAGNOSIS_H
 
@@ -17,14 +18,13 @@ namespace vokTable {
 /// Where the rejected lines are listed: here already, or by another command that the warning names.
 enum class listing { here, elsewhere };
 
+/// What of the source was read: its field names alone, or its rows too.
+enum class coverage { fields, whole };
+
 /// Writes the warnings and hints that the results of a read give reason for.
 /// @return rejected when lines were rejected, else clean
 exitCode diagnose(tableRW::tableReader& reader, const readingArguments& arguments, listing rejected,
-                  const messageWriter& messages);
-
-/// Warns of bytes in a text file that make line numbers or its end differ from what an editor
-/// shows: NUL bytes, which can join two lines, and 0x1A, which ends the text.
-void warnOfSpecialBytes(const std::wstring& path, const messageWriter& messages);
+                  coverage seen, const messageWriter& messages);
 
 }  // namespace vokTable
 

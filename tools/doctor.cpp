@@ -55,7 +55,7 @@ void addConverter(report& lines) {
   const std::wstring path = converterPath();
   const bool isThere = platform::fileExists(path);
   lines.add("converter", toUtf8(path) + (isThere ? "" : " is missing"));
-  lines.add("spreadsheets by converter (.xls, .xlsx)",
+  lines.add("spreadsheets by converter (.xls, .xlsx, .xlsm)",
             isThere ? "ready" : "put vok_xls2csv.exe there, which comes with this program");
 }
 
@@ -78,6 +78,13 @@ void addMachine(report& lines, const odbcMachine& machine) {
   lines.add("delimited text, DBF, SQLite", "ready: they need nothing more");
 }
 
+// What a table in the code page of some system lacks, and what of it cannot be decoded, shows when it is read.
+exitCode readThrough(const readingArguments& reading, tableRW::tableReader& reader,
+                     toolContext& context) {
+  if (!readSource(reader, {}, reading, context)) return exitCode::cannotOpen;
+  return concludeReading(reader, reading, context);
+}
+
 // How far a source gets; what stops it is explained on standard error.
 exitCode examine(const readingArguments& reading, report& lines, toolContext& context,
                  const odbcMachine& machine) {
@@ -93,6 +100,10 @@ exitCode examine(const readingArguments& reading, report& lines, toolContext& co
   std::vector<std::wstring> tables;
   reader->tableList(tables);
   for (const std::wstring& table : tables) lines.add("table", toUtf8(table));
+  // There are options: the reader was opened with them.
+  const std::int32_t type = fileTypeOf(options->file_type, options->path);
+  if (type == tableRW::fileTypeDbf || type == tableRW::fileTypeMicromineData)
+    return readThrough(reading, *reader, context);
   if (!tables.empty() && reader->isWhole()) return exitCode::clean;
   context.messages.error(
       fmt::format("{} holds no table that can be listed; check that the file is "

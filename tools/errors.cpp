@@ -5,7 +5,6 @@
 
 #include "platform/files.h"
 #include "tools/commands.h"
-#include "tools/formats.h"
 
 namespace vokTable {
 
@@ -47,10 +46,7 @@ exitCode listRejectedLines(const commandLine& request, toolContext& context) {
                     request.reading.file));
     return exitCode::cannotOpen;
   }
-  const exitCode outcome = concludeReading(*reader, request.reading, context, listing::here);
-  const auto type = findFileType(request.reading.type.value_or("auto"));
-  if (isDelimitedText(*type, reader->path())) warnOfSpecialBytes(reader->path(), context.messages);
-  return outcome;
+  return concludeReading(*reader, request.reading, context, listing::here);
 }
 
 }  // namespace vokTable

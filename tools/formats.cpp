@@ -23,15 +23,15 @@ struct format {
 };
 
 constexpr format formats[] = {
-    {fileTypeCsv,           "csv",       "delimited text",                "csv, any other", "csv" },
-    {fileTypeXlsConverter,  "xls",       "spreadsheet, by converter",     "xls, xlsx",      "xlsx"},
-    {fileTypeXlsOdbc,       "xls-odbc",  "spreadsheet, by ODBC",          "xls, xlsx",      ""    },
-    {fileTypeAccessOdbc,    "access",    "Access database, by ODBC",      "mdb, accdb",     ""    },
-    {fileTypeDbf,           "dbf",       "dBASE or FoxPro table",         "dbf",            "dbf" },
-    {fileTypeSqlite,        "sqlite",    "SQLite database",               "sqlite, well2",  ""    },
-    {fileTypeMicromineData, "micromine", "Micromine data file",           "micromine",      ""    },
-    {fileTypeMicromineDhdb, "dhdb",      "Micromine drill-hole database", "dhdb",           ""    },
-    {fileTypePetrel,        "petrel",    "Petrel text table",             "by first line",  ""    },
+    {fileTypeCsv,           "csv",       "delimited text",                "csv, any other",  "csv" },
+    {fileTypeXlsConverter,  "xls",       "spreadsheet, by converter",     "xls, xlsx, xlsm", "xlsx"},
+    {fileTypeXlsOdbc,       "xls-odbc",  "spreadsheet, by ODBC",          "xls, xlsx",       ""    },
+    {fileTypeAccessOdbc,    "access",    "Access database, by ODBC",      "mdb, accdb",      ""    },
+    {fileTypeDbf,           "dbf",       "dBASE or FoxPro table",         "dbf",             "dbf" },
+    {fileTypeSqlite,        "sqlite",    "SQLite database",               "sqlite, well2",   ""    },
+    {fileTypeMicromineData, "micromine", "Micromine data file",           "micromine",       ""    },
+    {fileTypeMicromineDhdb, "dhdb",      "Micromine drill-hole database", "dhdb",            ""    },
+    {fileTypePetrel,        "petrel",    "Petrel text table",             "by first line",   ""    },
 };
 
 constexpr std::string_view automatic = "auto";
@@ -126,22 +126,25 @@ std::wstring converterPath() {
   return program.substr(0, program.find_last_of(L"/\\") + 1) + L"vok_xls2csv.exe";
 }
 
-bool isDelimitedText(std::int32_t fileType, const std::wstring& path) {
+std::int32_t fileTypeOf(std::int32_t fileType, const std::wstring& path) {
   const format* const found = formatOf(fileType, path);
-  return found == nullptr || found->type == fileTypeCsv;
+  return found == nullptr ? fileTypeCsv : found->type;
+}
+
+bool isDelimitedText(std::int32_t fileType, const std::wstring& path) {
+  return fileTypeOf(fileType, path) == fileTypeCsv;
 }
 
 bool isSqliteDatabase(std::int32_t fileType, const std::wstring& path) {
-  const format* const found = formatOf(fileType, path);
-  return found != nullptr && found->type == fileTypeSqlite;
+  return fileTypeOf(fileType, path) == fileTypeSqlite;
 }
 
 // WHY not the writer alone: it writes delimited text under every extension that it does not know, also
-// under one by which the table would be read back as something else.
+// under one by which the table would be read back as something else, or by the tool alone as a workbook.
 bool isWritable(const std::wstring& path) {
   const std::wstring extension = writtenExtension(path);
   const format* const read = extension.empty() ? nullptr : formatOfPath(L"." + extension);
-  return read == nullptr || *read->written != '\0';
+  return read == nullptr || (*read->written != '\0' && typeForExtension(path) == fileTypeAuto);
 }
 
 bool isWrittenAsWorkbook(const std::wstring& path) {

@@ -41,6 +41,10 @@ bool isChosenByExtension(const std::wstring& path);
 /// Where the converter of spreadsheets stands when it is installed: beside the program.
 std::wstring converterPath();
 
+/// The file type that is read: the given one, or what the automatic choice makes of the path. Delimited text stands
+/// for Petrel text tables too, which it knows by their first line.
+std::int32_t fileTypeOf(std::int32_t fileType, const std::wstring& path);
+
 /// True for delimited text: chosen by its type, or automatically for .csv and unknown extensions.
 bool isDelimitedText(std::int32_t fileType, const std::wstring& path);
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "tools/fileBegin.h"
 #include "tools/formats.h"
 #include "tools/odbcSources.h"
 #include "tools/progress.h"
@@ -44,6 +45,18 @@ bool isSqlite(const tableRW::tableReader& reader, const readingArguments& argume
   return isSqliteDatabase(*type, reader.path());
 }
 
+/// A pipe that holds more than lines of text, which are all that can be read in one go.
+bool explainPipe(const tableRW::tableReader& reader, const readingArguments& arguments,
+                 const messageWriter& messages) {
+  const auto type = findFileType(arguments.type.value_or("auto"));
+  if (isDelimitedText(*type, reader.path()) || !platform::isPipeOrDevice(reader.path()))
+    return false;
+  messages.error(fmt::format(
+      "cannot read {}: its format needs a file, and this is a pipe or a device; save it to one",
+      arguments.file));
+  return true;
+}
+
 /// A source that opened and could not be read to its end: what was read of it must pass for no answer. Of a database
 /// only the engine knows whether it is damaged or the disk has failed.
 bool explainIncomplete(const tableRW::tableReader& reader, const readingArguments& arguments,
@@ -68,6 +81,19 @@ exitCode explainNothingReads(const tableRW::tableReaderOptions& options,
                              toUtf8(options.path), formatName(options.file_type, options.path)));
   messages.hint("vok_table formats lists what can be read; --type chooses another format");
   return exitCode::notAvailable;
+}
+
+/// Refuses a file of another format that would be taken for delimited text because of its name.
+bool refusesAsText(const tableRW::tableReaderOptions& options, const messageWriter& messages) {
+  if (options.file_type != tableRW::fileTypeAuto ||
+      !isDelimitedText(options.file_type, options.path))
+    return false;
+  const auto format = formatOfContent(options.path);
+  if (!format) return false;
+  messages.error(fmt::format("cannot read {} as delimited text: it looks like {}",
+                             toUtf8(options.path), format->title));
+  messages.hint(fmt::format("{}; --type csv reads any file as delimited text", format->advice));
+  return true;
 }
 
 /// The tables that the source holds, when the one asked for is none of them. Of a source that does not open there is
@@ -127,6 +153,7 @@ exitCode openSource(const readingArguments& arguments, toolContext& context,
   if (!platform::isPipeOrDevice(options->path) &&
       explainUnreadable(options->path, context.messages))
     return exitCode::cannotOpen;
+  if (refusesAsText(*options, context.messages)) return exitCode::cannotOpen;
   const exitCode reached = checkOdbcSource(*options, context.messages);
   if (reached != exitCode::clean) return reached;
   readerPointer opened(tableRW::tableReader::open(*options));
@@ -151,6 +178,7 @@ bool readSource(tableRW::tableReader& reader, extent wanted, const readingArgume
 
 void explainFailure(tableRW::tableReader& reader, const readingArguments& arguments,
                     toolContext& context) {
+  if (explainPipe(reader, arguments, context.messages)) return;
   if (explainUnreadable(reader.path(), context.messages)) return;
   if (explainIncomplete(reader, arguments, context.messages)) return;
   const std::vector<std::wstring> tables = tablesInstead(reader, arguments);
@@ -169,9 +197,9 @@ void explainFailure(tableRW::tableReader& reader, const readingArguments& argume
 }
 
 exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& arguments,
-                         toolContext& context, listing rejected) {
+                         toolContext& context, listing rejected, coverage seen) {
   context.output.flush();
-  return diagnose(reader, arguments, rejected, context.messages);
+  return diagnose(reader, arguments, rejected, seen, context.messages);
 }
 
 bool listSourceTables(tableRW::tableReader& reader, const readingArguments& arguments,

@@ -11,7 +11,8 @@
 // The library has no messages, so the tool finds out for itself: a missing file and a folder are
 // told apart beforehand, a file that may not be read afterwards; a reader whose path is empty is
 // the one that reads nothing, which means that the format is not in this version. A pipe is opened
-// once; unless the user says otherwise, it holds delimited text.
+// once; unless the user says otherwise, it holds delimited text. A file that the library would take for
+// delimited text because of its name is looked at first, and refused when it begins like another format.
 #ifndef VOK_TOOLS_SOURCE_H
 #define VOK_TOOLS_SOURCE_H
 
@@ -78,7 +79,8 @@ bool listSourceTables(tableRW::tableReader& reader, const readingArguments& argu
 /// Hands out what was written, then says what is odd about the source (see diagnosis.h).
 /// @return rejected when lines were rejected, else clean
 exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& arguments,
-                         toolContext& context, listing rejected = listing::elsewhere);
+                         toolContext& context, listing rejected = listing::elsewhere,
+                         coverage seen = coverage::whole);
 
 }  // namespace vokTable
 

@@ -303,7 +303,7 @@ class Missing(OdbcCase):
         out = self.run_copy("doctor", env=self.environment).out.decode("utf-8")
         found = dict(line.split("\t") for line in out.splitlines())
         self.assertEqual(found["converter"], self.path("vok_xls2csv.exe") + " is missing")
-        self.assertEqual(found["spreadsheets by converter (.xls, .xlsx)"],
+        self.assertEqual(found["spreadsheets by converter (.xls, .xlsx, .xlsm)"],
                          "put vok_xls2csv.exe there, which comes with this program")
 
     def test_a_pipe_is_not_waited_for(self):

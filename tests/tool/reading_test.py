@@ -239,9 +239,9 @@ SEMICOLON = "hint: the values seem to be separated otherwise: try --delimiter \"
     Case("UTF-8 that is cut between two bytes of a character", ["count", "t.csv", "--encoding", "CP1251"], "1\n",
          ["hint: the file begins like UTF-8 text: try --encoding UTF-8\n"],
          files={"t.csv": "a\nx" + "Ж" * 3000 + "\n"}),
-    Case("UTF-16 in the other order", ["fields", "t.csv"], "\ufffd\ufffd\ttext\n",
+    Case("UTF-16 in the other order", ["fields", "t.csv", "--type", "csv"], "\ufffd\ufffd\ttext\n",
          ["hint: the file begins like UTF-16"], files={"t.csv": "\ufeffa".encode("utf-16-be")}),
-    Case("UTF-16", ["fields", "t.csv"], "\ufffd\ufffda\ttext\n", ["hint: the file begins like UTF-16"],
+    Case("UTF-16", ["fields", "t.csv", "--type", "csv"], "\ufffd\ufffda\ttext\n", ["hint: the file begins like UTF-16"],
          files={"t.csv": "\ufeffa\n".encode("utf-16-le")}),
 )
 class Hints(CaseTest):
