@@ -145,15 +145,9 @@ void hintAtEncoding(const tableRW::tableReader& reader, const tableRW::tableRead
   }
 }
 
-/// What such a table holds is in the code page of the system that wrote it.
-void warnOfCodePage(const tableRW::tableReader& reader, const readingArguments& arguments,
-                    const messageWriter& messages) {
-  if (arguments.encoding) {
-    messages.warning(
-        fmt::format("--encoding does nothing for {}, which is no delimited text: --system-encoding "
-                    "chooses its code page",
-                    arguments.file));
-  }
+/// For a table in the code page of the system that wrote it.
+void warnOfUndecodedText(const tableRW::tableReader& reader, const readingArguments& arguments,
+                         const messageWriter& messages) {
   if (hasUndecodedText(reader, reader.count())) {
     messages.warning(
         fmt::format("some characters of {} could not be decoded and became U+FFFD: choose its code "
@@ -226,7 +220,7 @@ exitCode diagnose(tableRW::tableReader& reader, const readingArguments& argument
       warnOfMissingParts(options->path, arguments.file, messages);
       [[fallthrough]];
     case tableRW::fileTypeMicromineData:
-      warnOfCodePage(reader, arguments, messages);
+      warnOfUndecodedText(reader, arguments, messages);
       break;
     default:
       break;

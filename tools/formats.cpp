@@ -140,11 +140,11 @@ bool isSqliteDatabase(std::int32_t fileType, const std::wstring& path) {
 }
 
 // WHY not the writer alone: it writes delimited text under every extension that it does not know, also
-// under one by which the table would be read back as something else, or by the tool alone as a workbook.
+// under one by which the table would be read back as something else.
 bool isWritable(const std::wstring& path) {
   const std::wstring extension = writtenExtension(path);
   const format* const read = extension.empty() ? nullptr : formatOfPath(L"." + extension);
-  return read == nullptr || (*read->written != '\0' && typeForExtension(path) == fileTypeAuto);
+  return read == nullptr || *read->written != '\0';
 }
 
 bool isWrittenAsWorkbook(const std::wstring& path) {

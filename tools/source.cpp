@@ -39,12 +39,6 @@ bool explainUnreadable(const std::wstring& path, const messageWriter& messages) 
   return true;
 }
 
-bool isSqlite(const tableRW::tableReader& reader, const readingArguments& arguments) {
-  // There is such a type: the reader was opened with it.
-  const auto type = findFileType(arguments.type.value_or("auto"));
-  return isSqliteDatabase(*type, reader.path());
-}
-
 /// A pipe that holds more than lines of text, which are all that can be read in one go.
 bool explainPipe(const tableRW::tableReader& reader, const readingArguments& arguments,
                  const messageWriter& messages) {
@@ -55,6 +49,12 @@ bool explainPipe(const tableRW::tableReader& reader, const readingArguments& arg
       "cannot read {}: its format needs a file, and this is a pipe or a device; save it to one",
       arguments.file));
   return true;
+}
+
+bool isSqlite(const tableRW::tableReader& reader, const readingArguments& arguments) {
+  // There is such a type: the reader was opened with it.
+  const auto type = findFileType(arguments.type.value_or("auto"));
+  return isSqliteDatabase(*type, reader.path());
 }
 
 /// A source that opened and could not be read to its end: what was read of it must pass for no answer. Of a database

@@ -166,7 +166,7 @@ class Conversion(CaseTest):
                              '  the header, field "FIELD1": the name is changed: "" is too much like it\n'
                              '  row 1, field "FIELD1": ends with a blank, which is taken for padding\n'))
         self.assertEqual(self.fields(), ["FIELD1 C1.0", "FIELD1_1 C2.0", "C C4.0"])
-        self.assertEqual(self.cat("--system-encoding", "UTF-8"), "FIELD1\tFIELD1_1\tC\nx\ty\ty\\nz\x1a\n")
+        self.assertEqual(self.cat(), "FIELD1\tFIELD1_1\tC\nx\ty\ty\\nz\x1a\n")
 
     def test_values_that_do_not_fit_named_fields(self):
         for named, source, reason, stored in (

@@ -151,10 +151,6 @@ class OtherFormats(CaseTest):
     def test_a_workbook_with_macros_is_known(self):
         run = run_tool("formats")
         self.assertIn("spreadsheet, by converter\txls\txls, xlsx, xlsm\tyes\tyes", run.out.decode())
-        self.write({"t.csv": LINE})
-        run = run_tool("convert", "t.csv", "out.xlsm", cwd=self.folder)
-        self.assertEqual((run.code, list(self.content())), (4, ["t.csv"]))
-        self.assertIn("writing its format is not in this version", run.err)
 
     def test_only_text_has_a_byte_order_mark(self):
         self.write({"t.sqlite": database(("t", "a TEXT", [["\ufeffx"]])), "t.txt": '# Petrel\n"\ufeffa" b\n'})
@@ -175,9 +171,6 @@ CYRILLIC = dbf(b"x   ", *[b"y   "] * 30, "Жила".encode("cp1251"))
     Case("convert, which loses it for good", ["convert", "t.dbf", "out.xlsx", "--strict", *UTF8], "", [UNDECODED],
          files={"t.dbf": CYRILLIC}),
     Case("the code page is told", ["count", "t.dbf", "--system-encoding", "CP1251"], "32\n", files={"t.dbf": CYRILLIC}),
-    Case("the option that does not help", ["count", "t.dbf", "--encoding", "CP1251"], "1\n",
-         ["warning: --encoding does nothing for t.dbf, which is no delimited text: --system-encoding chooses its code "
-          "page\n"], files={"t.dbf": TABLE}),
 )
 class CodePages(CaseTest):
     def check(self, case):
@@ -208,12 +201,6 @@ class CodePages(CaseTest):
         run = run_tool("doctor", "t.dbf", cwd=self.folder)
         self.assertEqual(run.code, 3)
         self.assertIn("cannot read t.dbf: its content is not what was expected", run.err)
-
-    def test_micromine_data(self):
-        source = os.path.join(Settings.source, "examples", "samples.micromine")
-        run = run_tool("count", source, "--encoding", "CP1251")
-        self.assertEqual(run.code, 0)
-        self.assertIn("--encoding does nothing for", run.err)
 
 
 @cases(
