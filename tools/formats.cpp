@@ -131,6 +131,12 @@ bool isDelimitedText(std::int32_t fileType, const std::wstring& path) {
   return found == nullptr || found->type == fileTypeCsv;
 }
 
+bool isWorkbook(std::int32_t fileType, const std::wstring& path) {
+  const format* const found =
+      formatOf(fileType == fileTypeAuto ? typeForExtension(path) : fileType, path);
+  return found != nullptr && found->type == fileTypeXlsConverter;
+}
+
 bool isSqliteDatabase(std::int32_t fileType, const std::wstring& path) {
   const format* const found = formatOf(fileType, path);
   return found != nullptr && found->type == fileTypeSqlite;

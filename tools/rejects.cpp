@@ -12,6 +12,7 @@
 #include "tools/interruption.h"
 #include "tools/targetFile.h"
 #include "tools/text.h"
+#include "tools/workbookReading.h"
 
 namespace vokTable {
 namespace {
@@ -99,6 +100,7 @@ exitCode keepRejects(const commandLine& request, tableRW::tableReader& reader,
   bool isWhole = true;
   if (reader.errorCount() > 0) {
     std::uint64_t count = 0;
+    const workbookReading converted(request.reading, reader.path());
     const bool isRead = reader.rejectedRecords([&](const tableRW::rejectedRecord& record) {
       ++count;
       return copier.copy(record) && !interrupted.isAskedFor();

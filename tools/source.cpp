@@ -11,6 +11,7 @@
 #include "tools/odbcSources.h"
 #include "tools/progress.h"
 #include "tools/text.h"
+#include "tools/workbookReading.h"
 
 namespace vokTable {
 namespace {
@@ -53,6 +54,13 @@ bool explainIncomplete(const tableRW::tableReader& reader, const readingArgument
       fmt::format("cannot read {} to its end: the disk or the network failed, or its memo file "
                   "cannot be opened",
                   arguments.file));
+  return true;
+}
+
+bool explainInterruption(const workbookReading& converted, const readingArguments& arguments,
+                         const messageWriter& messages) {
+  if (!converted.isInterrupted()) return false;
+  messages.error(fmt::format("interrupted: {} was not read", arguments.file));
   return true;
 }
 
@@ -138,10 +146,12 @@ exitCode openSource(const readingArguments& arguments, toolContext& context,
 bool readSource(tableRW::tableReader& reader, extent wanted, const readingArguments& arguments,
                 toolContext& context) {
   bool isRead = false;
+  const workbookReading converted(arguments, reader.path());
   {
     const progressLine progress(context.messages, fmt::format("reading {}", arguments.file));
     isRead = readExtent(reader, wanted);
   }
+  if (explainInterruption(converted, arguments, context.messages)) return false;
   // A table that is not there has no fields, and reading them alone is no failure then.
   const bool offersTables = reader.get_capabilities().offersTables;
   if (isRead && reader.isWhole() && (reader.fieldCount() > 0 || !offersTables)) return true;
@@ -176,7 +186,9 @@ exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& a
 
 bool listSourceTables(tableRW::tableReader& reader, const readingArguments& arguments,
                       toolContext& context, std::vector<std::wstring>& tables) {
+  const workbookReading converted(arguments, reader.path());
   reader.tableList(tables);
+  if (explainInterruption(converted, arguments, context.messages)) return false;
   const bool isListed = reader.isWhole() && (!tables.empty() || isReadable(reader, arguments));
   if (isListed) return true;
   explainFailure(reader, arguments, context);
