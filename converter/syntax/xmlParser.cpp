@@ -94,7 +94,7 @@ void XMLCALL startElement(void* user, const XML_Char* name, const XML_Char** att
   }
   if (state.skippedAt != 0) return;
   const char* const local = localName(name);
-  if (isText(local, "Choice")) {
+  if (isText(local, "Choice") || isText(local, "extLst")) {
     state.skippedAt = state.depth;
     return;
   }

@@ -71,6 +71,15 @@ const sheetRow sheetRows[] = {
     sheetRow{"an empty sheet", "", ""},
     sheetRow{"alternate content", "<mc:AlternateContent xmlns:mc='m'><mc:Choice><row><c><v>1</v></c></row></mc:Choice>"
              "<mc:Fallback><row><c><v>2</v></c></row></mc:Fallback></mc:AlternateContent>", "2\n"},
+    sheetRow{"what stands in an extension of a cell",
+             "<row><c><v>2</v><extLst><ext><v>77</v><is><t>x</t></is><c><v>7</v></c></ext></extLst></c><c><v>3</v></c></row>",
+             "2$3\n"},
+    sheetRow{"in that of inline text",
+             "<row><c t='inlineStr'><is><t>a</t><extLst><ext><t>x</t></ext></extLst></is></c></row>", "a\n"},
+    sheetRow{"in that of a row, and of all rows",
+             "<row><c><v>1</v></c><extLst><ext><c><v>7</v></c></ext></extLst></row>"
+             "<extLst><ext><row><c><v>8</v></c></row></ext></extLst><row><c><v>2</v></c></row>", "1\n2\n"},
+    sheetRow{"in that of a shared string", "<row><c t='s'><v>4</v></c></row>", "b\n"},
     sheetRow{"the last column", "<row><c r='XFD1'><v>1</v></c></row>", nullptr},
     sheetRow{"a row that is none", "<row r='0'><c><v>1</v></c></row>", "problem: the sheet is damaged: it has a row 0"},
     sheetRow{"a row behind the last", "<row r='1048577'><c><v>1</v></c></row>",
@@ -83,10 +92,10 @@ const sheetRow sheetRows[] = {
              "problem: the sheet is damaged: it has a cell A10000001"},
     sheetRow{"a reference that goes on", "<row><c r='A1x'><v>1</v></c></row>",
              "problem: the sheet is damaged: it has a cell A1x"},
-    sheetRow{"a shared string that does not exist", "<row r='7'><c r='AB7' t='s'><v>4</v></c></row>",
-             "problem: the sheet is damaged: cell AB7 refers to shared string 4 of 4"},
+    sheetRow{"a shared string that does not exist", "<row r='7'><c r='AB7' t='s'><v>5</v></c></row>",
+             "problem: the sheet is damaged: cell AB7 refers to shared string 5 of 5"},
     sheetRow{"a shared string of no number", "<row><c t='s'><v>-1</v></c></row>",
-             "problem: the sheet is damaged: cell A1 refers to shared string -1 of 4"},
+             "problem: the sheet is damaged: cell A1 refers to shared string -1 of 5"},
     sheetRow{"one cell in the last corner", "<row r='1048576'><c r='XFD1048576'><v>1</v></c></row>",
              "problem: the sheet has 1048576 rows and 16384 columns, but only 1 cells with a value: it is no table"},
     sheetRow{"cells in the first and the last corner",
@@ -100,7 +109,8 @@ xlsxBuilder bookWith(const std::string& rows, const std::string& behind = {}) {
   book.worksheet = "<sheetData>" + rows + "</sheetData>" + behind;
   book.sharedStrings =
       "<si><t>first</t></si><si><r><t>rich</t></r><r><t xml:space='preserve'> text</t></r></si>"
-      "<si><t>\xE6\xBC\xA2</t><rPh sb='0' eb='1'><t>kan</t></rPh><phoneticPr/></si><si/>";
+      "<si><t>\xE6\xBC\xA2</t><rPh sb='0' eb='1'><t>kan</t></rPh><phoneticPr/></si><si/>"
+      "<si><t>b</t><extLst><ext><t>x</t></ext></extLst></si>";
   book.formats = "<numFmt numFmtId='164' formatCode='dd.mm.yyyy\\ hh:mm'/>";
   book.styles = "<xf numFmtId='0'/><xf numFmtId='14'/><xf numFmtId='164'/><xf numFmtId='20'/>";
   return book;
@@ -179,6 +189,14 @@ TEST(xlsx, ofOverlappingRangesTheFirstCounts) {
       "ref='A9'/><mergeCell/></mergeCells>";
   EXPECT_EQ(copying.run(bookWith("<row><c><v>1</v></c><c><v>2</v></c></row>", ranges).bytes()),
             "1$1$\n1$1$\n1$1$\n");
+}
+
+TEST(xlsx, mergedCellsOfAnExtensionAreNone) {
+  conversion copying;
+  copying.request.copyMerged = true;
+  const std::string ranges =
+      "<extLst><ext><mergeCells><mergeCell ref='A1:B2'/></mergeCells></ext></extLst>";
+  EXPECT_EQ(copying.run(bookWith("<row><c><v>1</v></c></row>", ranges).bytes()), "1\n");
 }
 
 TEST(xlsx, aMergedSheetIsNoTable) {

@@ -84,8 +84,8 @@ class documentMaker {
               ((isShared ? isRare() : number(3) == 0) ? text() : std::to_string(number(4))) +
               "</v>";
     if (isRare())
-      made += oneOf<std::string>(
-          {"<v>2</v>", "<v/>", "<extLst/>", "<!-- <v>1</v> -->", "<![CDATA[1]]>", "<?x?>"});
+      made += oneOf<std::string>({"<v>2</v>", "<v/>", "<extLst/>", "<extLst><v>7</v></extLst>",
+                                  "<!-- <v>1</v> -->", "<![CDATA[1]]>", "<?x?>"});
     return made + blanks() + "</c>";
   }
   std::string row() {
@@ -253,6 +253,8 @@ const plainCase plainCases[] = {
      true                                                                                                                 },
     {"inline text with single quotes",
      R"(<row r="2"><c r="A2" t="inlineStr"><is><t xml:space='preserve'>a</t></is></c></row>)",                       false},
+    {"an extension of a cell",
+     R"(<row r="2"><c r="A2"><v>2</v><extLst><ext><v>77</v></ext></extLst></c></row>)",                              false},
     {"a prefix",                               R"(<x:row r="2"><x:c r="A2"><x:v>1</x:v></x:c></x:row>)",             false},
     {"a cell twice",                           R"(<row r="2"><c r="A2" r="A2"><v>1</v></c></row>)",                  false},
 };
