@@ -146,6 +146,17 @@ TEST(xlsx, timesBetweenColons) {
             "06" + colon + "00" + colon + "00:2014-02-14\n");
 }
 
+TEST(xlsx, formatsWithSections) {
+  xlsxBuilder book = bookWith(
+      "<row><c s='4'><v>45000.75</v></c><c s='4'><v>.75</v></c><c s='5'><v>5.0</v></c>"
+      "<c s='5'><v>45000</v></c><c s='5'><v>x</v></c></row>");
+  book.formats +=
+      "<numFmt numFmtId='165' formatCode='[&lt;1]h:mm;dd.mm.yyyy'/>"
+      "<numFmt numFmtId='166' formatCode='[&gt;=100]dd.mm.yyyy;0.0'/>";
+  book.styles += "<xf numFmtId='165'/><xf numFmtId='166'/>";
+  EXPECT_EQ(conversion().run(book.bytes()), "2023-03-15$18:00:00$5$2023-03-15$x\n");
+}
+
 // Conditional formats define theirs anew, and number them as they like.
 TEST(xlsx, numberFormatsOfConditionalFormatsAreOthers) {
   zipMembers members = bookWith("<row><c s='2'><v>41684.5</v></c></row>").members();
