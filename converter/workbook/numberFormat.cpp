@@ -72,7 +72,9 @@ numberKind kindOfEssence(std::string essence) {
   const bool hasClock = hasHalves || has('h') || has('s');
   // FORMAT: `m` is minutes beside hours or seconds, else the month; three and more are always the month.
   const bool hasMonth = has('m') && (!hasClock || essence.find("mmm") != std::string::npos);
-  const bool hasDay = has('y') || has('d') || has('e') || has('b') || hasMonth;
+  // FORMAT: `aaa` and `aaaa` are the day of the week.
+  const bool hasWeekday = essence.find("aaa") != std::string::npos;
+  const bool hasDay = has('y') || has('d') || has('e') || has('b') || hasMonth || hasWeekday;
   if (hasDay && hasClock) return numberKind::dateTime;
   if (hasDay) return numberKind::date;
   return hasClock ? numberKind::time : numberKind::number;
