@@ -6,6 +6,7 @@
 
 namespace {
 
+using namespace std::string_literals;
 using testSupport::conversion;
 using testSupport::xlsxBuilder;
 using testSupport::zipMembers;
@@ -266,6 +267,62 @@ TEST(xlsx, strictNamespacesAndPrefixes) {
         "<x:c t='s'><x:v>0</x:v></x:c></x:row></x:sheetData></x:worksheet>";
   }
   EXPECT_EQ(conversion().run(zipOf(members)), "first\n");
+}
+
+struct namespaceRow {
+  const char* name;
+  const char* root;
+  const char* rows;
+  const char* expected;
+  int line = __builtin_LINE();
+};
+
+// WHY: it would set the columns of this table hundreds of characters apart.
+// clang-format off
+const namespaceRow namespaceRows[] = {
+    {"a value by a prefix", "<worksheet xmlns='m'>",
+     "<row><c><y:v xmlns:y='y'>7</y:v><v>2</v></c><c><v>3</v></c></row>", "2$3\n"},
+    {"a value by a prefix of the root", "<worksheet xmlns='m' xmlns:y='y'>",
+     "<row><c><v>2</v><y:v>7</y:v></c></row>", "2\n"},
+    {"a value by another default", "<worksheet xmlns='m'>", "<row><c><v xmlns='y'>7</v><v>2</v></c></row>", "2\n"},
+    {"a row by another default", "<worksheet xmlns='m'>",
+     "<row xmlns=\"y\"><c><v>7</v></c></row><row><c><v>2</v></c></row>", "2\n"},
+    {"what stands in it", "<worksheet xmlns='m'>",
+     "<y:x xmlns:y='y'><row><c><v>7</v></c></row></y:x><row><c><v>2</v></c></row>", "2\n"},
+    {"the same namespace by a prefix", "<worksheet xmlns='m' xmlns:x='m'>", "<row><x:c><x:v>2</x:v></x:c></row>", "2\n"},
+    {"the same by a prefix that was another's", "<worksheet xmlns='m' xmlns:x='y'>",
+     "<row><x:c xmlns:x='m'><x:v>2</x:v></x:c><c><x:v>7</x:v><v>3</v></c></row>", "2$3\n"},
+    {"no namespace within one", "<worksheet xmlns='m'>", "<row xmlns=''><c><v>2</v></c></row>", "2\n"},
+    {"a prefix that is not declared", "<worksheet xmlns='m'>", "<row><c><y:v>2</y:v></c></row>", "2\n"},
+    {"a root without a namespace", "<worksheet>", "<row><c><y:v xmlns:y='y'>2</y:v></c></row>", "2\n"},
+    {"a name that begins like a declaration", "<worksheet xmlns='m' xmlnsy='y'>",
+     "<row><c><v>2</v></c></row>", "2\n"},
+    {"alternate content", "<worksheet xmlns='m' xmlns:mc='mc'>",
+     "<mc:AlternateContent><mc:Choice><row><c><v>7</v></c></row></mc:Choice>"
+     "<mc:Fallback><row><c><v>2</v></c></row></mc:Fallback></mc:AlternateContent>", "2\n"},
+};
+// clang-format on
+
+TEST(xlsx, elementsOfOtherNamespacesAreLeftOut) {
+  for (const namespaceRow& row : namespaceRows) {
+    const testing::ScopedTrace trace(__FILE__, row.line, row.name);
+    zipMembers members = bookWith("").members();
+    for (auto& [member, bytes] : members)
+      if (member == "xl/worksheets/sheet1.xml")
+        bytes = row.root + "<sheetData>"s + row.rows + "</sheetData></worksheet>";
+    EXPECT_EQ(conversion().run(zipOf(members)), row.expected);
+  }
+}
+
+TEST(xlsx, namespacesBehindTheFirstManyCountAsTheRoots) {
+  std::string rows;
+  for (int i = 0; i < 70; ++i) rows += " xmlns:y" + std::to_string(i) + "='y'";
+  rows = "<row" + rows + "><c><y9:v>7</y9:v><y69:v>2</y69:v></c></row>";
+  zipMembers members = bookWith("").members();
+  for (auto& [member, bytes] : members)
+    if (member == "xl/worksheets/sheet1.xml")
+      bytes = "<worksheet xmlns='m'><sheetData>" + rows + "</sheetData></worksheet>";
+  EXPECT_EQ(conversion().run(zipOf(members)), "2\n");
 }
 
 TEST(xlsx, targetsWithTheOtherSeparator) {
