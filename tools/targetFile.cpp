@@ -8,10 +8,6 @@
 namespace vokTable {
 namespace {
 
-std::wstring codePageFileOf(const std::wstring& table) {
-  return table.substr(0, table.rfind(L'.')) + L".cpg";
-}
-
 std::size_t nameBegin(const std::wstring& path) {
   return path.find_last_of(L"/\\") + 1;  // 0 when there is neither
 }
@@ -33,6 +29,11 @@ bool isSamePath(const std::wstring& first, const std::wstring& second) {
           platform::isSameFile(folderOf(first), folderOf(second)));
 }
 
+std::wstring codePageFileOf(const std::wstring& target) {
+  if (!isWrittenAsDbf(target)) return {};
+  return target.substr(0, target.rfind(L'.')) + L".cpg";
+}
+
 targetFile::targetFile(const std::wstring& target) : target_(target) {
   const std::size_t name = nameBegin(target);
   const std::size_t dot = target.rfind(L'.');
@@ -43,8 +44,8 @@ targetFile::targetFile(const std::wstring& target) : target_(target) {
   long number = platform::clockCount();
   do {
     temporaryPath_ = begin + std::to_wstring(number++) + extension;
-  } while (platform::fileExists(temporaryPath_));
-  if (isWrittenAsDbf(target)) codePagePath_ = codePageFileOf(temporaryPath_);
+    codePagePath_ = codePageFileOf(temporaryPath_);
+  } while (platform::fileExists(temporaryPath_) || platform::fileExists(codePagePath_));
 }
 
 targetFile::~targetFile() {

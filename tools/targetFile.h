@@ -14,6 +14,9 @@ namespace vokTable {
 /// written. Names that differ in letter case alone count as one, as they are on Windows.
 bool isSamePath(const std::wstring& first, const std::wstring& second);
 
+/// The file beside a DBF file that tells its code page; it need not be there. Empty for other targets.
+std::wstring codePageFileOf(const std::wstring& target);
+
 /// The temporary file. It goes away with its owner, unless it has taken the target's name before.
 class targetFile {
  public:
