@@ -91,6 +91,27 @@ void hintAtTables(const std::vector<std::wstring>& tables, const messageWriter& 
   messages.hint(fmt::format("name one of its tables with --table: {}", names));
 }
 
+/// A source that could be read and whose table has no fields: of a database that is a table which is not there.
+/// @return false when nothing was explained
+bool explainNoFields(tableRW::tableReader& reader, const readingArguments& arguments,
+                     const messageWriter& messages) {
+  const tableRW::capability_options offered = reader.get_capabilities();
+  if (!reader.isWhole() || offered.offersTextOptions) return false;
+  if (!offered.offersPositions) {
+    const auto type = findFileType(arguments.type.value_or("auto"));
+    messages.error(
+        fmt::format("cannot read {} as a {}: it has no fields; check the file and --type",
+                    arguments.file, formatName(*type, reader.path())));
+    return true;
+  }
+  messages.error(fmt::format("cannot read {}: the sheet has no line {}; check --header-row",
+                             arguments.file, arguments.headerRow.value_or("1")));
+  std::vector<std::wstring> tables;
+  reader.tableList(tables);
+  if (!arguments.table && tables.size() > 1) hintAtTables(tables, messages);
+  return true;
+}
+
 bool readExtent(tableRW::tableReader& reader, extent wanted) {
   if (wanted.rows == extent::fieldsOnly) return reader.readOnlyHeaders();
   return wanted.rows == extent::wholeTable ? reader.read() : reader.readDemo(wanted.rows);
@@ -145,7 +166,8 @@ bool readSource(tableRW::tableReader& reader, extent wanted, const readingArgume
   // A table that is not there has no fields, and reading them alone is no failure then.
   const bool offersTables = reader.get_capabilities().offersTables;
   if (isRead && reader.isWhole() && (reader.fieldCount() > 0 || !offersTables)) return true;
-  explainFailure(reader, arguments, context);
+  if (!isRead || !explainNoFields(reader, arguments, context.messages))
+    explainFailure(reader, arguments, context);
   return false;
 }
 
