@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "platform/files.h"
@@ -42,6 +43,33 @@ bool isSqlite(const tableRW::tableReader& reader, const readingArguments& argume
   // There is such a type: the reader was opened with it.
   const auto type = findFileType(arguments.type.value_or("auto"));
   return isSqliteDatabase(*type, reader.path());
+}
+
+bool beginsWith(const std::wstring& path, std::string_view mark) {
+  std::string begin(mark.size(), '\0');
+  platform::binaryFile file;
+  return file.openForReading(path) && file.read(begin.data(), begin.size()) == mark.size() &&
+         begin == mark;
+}
+
+/// A database that does not answer at all, not even which tables it has. FORMAT: the journal of a change that is
+/// done has gone, or lost its mark.
+bool explainSilentDatabase(const tableRW::tableReader& reader, const readingArguments& arguments,
+                           const messageWriter& messages) {
+  constexpr std::string_view databaseMark("SQLite format 3\0", 16);
+  constexpr std::string_view journalMark("\xD9\xD5\x05\xF9\x20\xA1\x63\xD7", 8);
+  if ((reader.isOK() && reader.isWhole()) || !isSqlite(reader, arguments)) return false;
+  if (!beginsWith(reader.path(), databaseMark)) return false;
+  const std::string journal = arguments.file + "-journal";
+  messages.error(
+      beginsWith(toWide(journal), journalMark)
+          ? fmt::format("cannot read {}: the changes in {} are not finished: another program is "
+                        "writing them, or broke off; let one that may write the database open it",
+                        arguments.file, journal)
+          : fmt::format("cannot read {}: another program has it locked, or it is damaged; close "
+                        "programs that use it and try again",
+                        arguments.file));
+  return true;
 }
 
 /// A source that opened and could not be read to its end: what was read of it must pass for no answer. Of a database
@@ -112,7 +140,14 @@ bool explainNoFields(tableRW::tableReader& reader, const readingArguments& argum
   return true;
 }
 
-bool readExtent(tableRW::tableReader& reader, extent wanted) {
+/// WHY an SQLite database is asked for its tables first: it waits for a lock, and once is enough to know that it does
+/// not answer.
+bool readExtent(tableRW::tableReader& reader, extent wanted, const readingArguments& arguments) {
+  if (isSqlite(reader, arguments)) {
+    std::vector<std::wstring> tables;
+    reader.tableList(tables);
+    if (!reader.isWhole()) return false;
+  }
   if (wanted.rows == extent::fieldsOnly) return reader.readOnlyHeaders();
   return wanted.rows == extent::wholeTable ? reader.read() : reader.readDemo(wanted.rows);
 }
@@ -161,7 +196,7 @@ bool readSource(tableRW::tableReader& reader, extent wanted, const readingArgume
   bool isRead = false;
   {
     const progressLine progress(context.messages, fmt::format("reading {}", arguments.file));
-    isRead = readExtent(reader, wanted);
+    isRead = readExtent(reader, wanted, arguments);
   }
   // A table that is not there has no fields, and reading them alone is no failure then.
   const bool offersTables = reader.get_capabilities().offersTables;
@@ -175,6 +210,7 @@ void explainFailure(tableRW::tableReader& reader, const readingArguments& argume
                     toolContext& context) {
   if (explainUnreadable(reader.path(), context.messages)) return;
   if (explainIncomplete(reader, arguments, context.messages)) return;
+  if (explainSilentDatabase(reader, arguments, context.messages)) return;
   const std::vector<std::wstring> tables = tablesInstead(reader, arguments);
   if (tables.empty()) {
     const std::string table =
