@@ -45,6 +45,25 @@ bool isSqlite(const tableRW::tableReader& reader, const readingArguments& argume
   return isSqliteDatabase(*type, reader.path());
 }
 
+/// Options that a format has no use for are no mistake, but whoever gives them expects something of them. The encoding of
+/// a Petrel table is that of its name.
+void hintAtUnusedOptions(tableRW::tableReader& reader, const tableRW::tableReaderOptions& options,
+                         const readingArguments& arguments, const messageWriter& messages) {
+  const bool isText = isDelimitedText(options.file_type, options.path) ||
+                      options.file_type == tableRW::fileTypePetrel;
+  const bool hasLines = reader.get_capabilities().offersPositions;
+  const auto hint = [&](std::string_view option, const std::optional<std::string>& value,
+                        bool isHeeded) {
+    if (value && !isHeeded)
+      messages.hint(fmt::format("{} has no effect on {}", option, arguments.file));
+  };
+  hint("--encoding", arguments.encoding, isText);
+  hint("--delimiter", arguments.delimiter, isText);
+  hint("--quote", arguments.quote, isText);
+  hint("--header-row", arguments.headerRow, hasLines);
+  hint("--data-row", arguments.dataRow, hasLines);
+}
+
 bool beginsWith(const std::wstring& path, std::string_view mark) {
   std::string begin(mark.size(), '\0');
   platform::binaryFile file;
@@ -187,6 +206,7 @@ exitCode openSource(const readingArguments& arguments, toolContext& context,
   if (reached != exitCode::clean) return reached;
   readerPointer opened(tableRW::tableReader::open(*options));
   if (opened->path().empty()) return explainNothingReads(*options, context.messages);
+  hintAtUnusedOptions(*opened, *options, arguments, context.messages);
   reader = std::move(opened);
   return exitCode::clean;
 }

@@ -211,7 +211,7 @@ class Conversion(CaseTest):
                              '  the header, field "FIELD1": the name is changed: "" is too much like it\n'
                              '  row 1, field "FIELD1": ends with a blank, which is taken for padding\n'))
         self.assertEqual(self.fields(), ["FIELD1 C1.0", "FIELD1_1 C2.0", "C C4.0"])
-        self.assertEqual(self.cat("--encoding", "UTF-8"), "FIELD1\tFIELD1_1\tC\nx\ty\ty\\nz\x1a\n")
+        self.assertEqual(self.cat(), "FIELD1\tFIELD1_1\tC\nx\ty\ty\\nz\x1a\n")
 
     def test_values_that_do_not_fit_named_fields(self):
         for named, source, reason, stored in (
@@ -224,6 +224,23 @@ class Conversion(CaseTest):
             self.assertEqual(run.code, 1, named)
             self.assertIn("row 1, field \"A\": " + reason, run.err)
             self.assertEqual(self.cat(), f"A\n{stored}\n")
+
+    def test_names_of_which_nothing_is_left(self):
+        run = self.convert("Ъ;Ы\n1;2\n")
+        self.assertEqual((run.code, self.fields()), (1, ["FIELD1 N1.0", "Y N1.0"]))
+        self.assertEqual(run.err, 'vok_table: warning: 1 value will not be read back unchanged from out.dbf:\n  the header, '
+                                  'field "Ъ": nothing of the name is left in Latin letters, and it gets another\n')
+
+    def test_options_without_an_effect(self):
+        self.convert("A\nЖ\n")
+        for option, value in (("--encoding", "CP866"), ("--delimiter", ","), ("--quote", "'"), ("--header-row", "2"),
+                              ("--data-row", "3")):
+            run = run_tool("cat", "out.dbf", *PAGE, option, value, cwd=self.folder)
+            self.assertEqual((run.code, run.out.decode("utf-8")), (0, "A\nЖ\n"))
+            self.assertEqual(run.err, f"vok_table: hint: {option} has no effect on out.dbf\n")
+        run = run_tool("cat", "out.dbf", *PAGE, "--encoding", "UTF-8", "--json", cwd=self.folder)
+        self.assertEqual([message["text"] for message in json.loads(run.out)["messages"]],
+                         ["--encoding has no effect on out.dbf"])
 
     def test_a_name_that_another_one_becomes(self):
         for names, stored in (("A B;A_B", "A_B|A_B_1"), ("1A;_1A", "_1A|_1A_1")):

@@ -69,6 +69,13 @@ class Petrel(PackageCase):
         self.assertEqual(self.lines("count", "tops.csv", "--type", "petrel"), ["3"])
         self.assertEqual(self.lines("tables", "tops.csv", "--type", "petrel"), ["petrel"])
 
+    def test_options_without_an_effect(self):
+        self.write({"tops": TOPS})
+        for more in ([], ["--type", "petrel"]):
+            run = run_tool("count", "tops", *more, "--encoding", "CP1251", "--header-row", "2", cwd=self.folder)
+            self.assertEqual((run.code, run.out, run.err),
+                             (0, b"3\n", "vok_table: hint: --header-row has no effect on tops\n"))
+
     def test_a_file_without_fields(self):
         self.write({"t.csv": "a;b\n1;2\n", "t.txt": "# Petrel well tops\nBEGIN HEADER\nEND HEADER\n"})
         for command in (["cat", "t.csv", "--type", "petrel"], ["fields", "t.csv", "--type", "petrel"],

@@ -44,6 +44,8 @@ NOT_CONVERTED = "cannot read t.xlsx"
     *(Case(f"{command[0]} with a header row behind the sheet's end", [*command, "--header-row", "30"], "",
            [NO_LINE, "hint: name one of its tables with --table: One, Два\n"], 3, AB)
       for command in (["fields", "t.xlsx"], ["cat", "t.xlsx"])),
+    Case("options of text", ["cat", "t.xlsx", "--encoding", "UTF-8", "--header-row", "2"], "1\t2\n",
+         ["hint: --encoding has no effect on t.xlsx\n"], files=AB),
     Case("an unknown sheet", ["head", "t.xlsx", "--table", "Three"], "", [NOT_CONVERTED, '"Three"'], 3, AB),
     Case("tables of a damaged workbook", ["tables", "t.xlsx"], "", [NOT_CONVERTED], 3, DAMAGED),
     Case("head of a damaged workbook", ["head", "t.xlsx"], "", [NOT_CONVERTED], 3, DAMAGED),
