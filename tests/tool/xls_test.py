@@ -22,6 +22,8 @@ from workbooks import book, cell, sheet  # noqa: E402
 
 SIMPLE = sheet("<row><c t='str'><v>a</v></c><c t='str'><v>b</v></c></row><row><c><v>1</v></c><c><v>2</v></c></row>")
 AB = {"t.xlsx": book({"One": SIMPLE, "Два": sheet("<row><c><v>7</v></c></row>")})}
+ONE = {"t.xlsx": book({"One": SIMPLE})}
+NO_LINE = "error: cannot read t.xlsx: the sheet has no line 30; check --header-row\n"
 DAMAGED = {"t.xlsx": b"PK\x03\x04 and nothing more"}
 NOT_CONVERTED = "cannot read t.xlsx"
 
@@ -38,6 +40,14 @@ NOT_CONVERTED = "cannot read t.xlsx"
     Case("convert", ["convert", "t.xlsx", "out.csv"], files=AB,
          leaves={**AB, "out.csv": b"a;b\r\n1;2\r\n"}),
     Case("a macro workbook", ["head", "t.xlsm"], "a\tb\n1\t2\n", files={"t.xlsm": AB["t.xlsx"]}),
+    Case("fields without a header row", ["fields", "t.xlsx", "--header-row", "none"], "field_0\ttext\nfield_1\ttext\n",
+         files=AB),
+    Case("fields of another header row", ["fields", "t.xlsx", "--header-row", "2"], "1\ttext\n2\ttext\n", files=AB),
+    *(Case(f"{command[0]} with a header row behind the sheet's end", [*command, "--header-row", "30"], "",
+           [NO_LINE, "hint: name one of its tables with --table: One, Два\n"], 3, AB)
+      for command in (["fields", "t.xlsx"], ["cat", "t.xlsx"])),
+    Case("options of text", ["cat", "t.xlsx", "--encoding", "UTF-8", "--header-row", "2"], "1\t2\n",
+         ["hint: --encoding has no effect on t.xlsx\n"], files=AB),
     Case("an unknown sheet", ["head", "t.xlsx", "--table", "Three"], "", [NOT_CONVERTED, '"Three"'], 3, AB),
     Case("tables of a damaged workbook", ["tables", "t.xlsx"], "", [NOT_CONVERTED], 3, DAMAGED),
     Case("head of a damaged workbook", ["head", "t.xlsx"], "", [NOT_CONVERTED], 3, DAMAGED),
@@ -45,7 +55,11 @@ NOT_CONVERTED = "cannot read t.xlsx"
     Case("a renamed text file", ["head", "t.xlsx"], "", [NOT_CONVERTED], 3, {"t.xlsx": "a;b\n1;2\n"}),
 )
 class TestTool(CaseTest):
-    pass
+    def test_no_other_sheet_is_proposed_for_a_wrong_line(self):
+        for files, options in ((AB, ["--table", "Два"]), (ONE, [])):
+            self.write(files)
+            run = run_tool("cat", "t.xlsx", "--header-row", "30", *options, cwd=self.folder)
+            self.assertEqual((run.code, run.err), (3, "vok_table: " + NO_LINE))
 
 
 LOCKED = b"\x09\x08\x10\0\0\x06\x05\0" + b"\0" * 12 + b"\x2F\0\2\0\0\0"  # a BIFF stream with a password
