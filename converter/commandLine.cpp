@@ -101,6 +101,12 @@ const switchEntry* findSwitch(const std::wstring& word) {
 
 bool isSwitch(const std::wstring& word) { return findSwitch(word) != nullptr; }
 
+// A quotation mark within the source's name ends its quotation, and the last mark begins one that takes in the
+// rest of the line, for the reader cannot write it otherwise. Names on Windows have none.
+bool holdsRestOfLine(const conversionRequest& request) {
+  return request.folder.empty() && request.source.find(L" -destFolder ") != std::wstring::npos;
+}
+
 }  // namespace
 
 const char* const helpText =
@@ -137,6 +143,9 @@ parsedArguments parseArguments(const std::vector<std::wstring>& arguments) {
   }
   if (state.isHelp) return {};
   if (state.problem.empty() && !hasSource) state.problem = "the source is missing";
+  if (state.problem.empty() && holdsRestOfLine(state.request))
+    state.problem =
+        "the quotation marks do not match: a source with one in its name cannot be read, rename it";
   if (!state.problem.empty()) return {std::nullopt, state.problem};
   return {state.request, ""};
 }

@@ -47,6 +47,12 @@ std::wstring findIgnoringCase(const std::wstring& path);
 /// Creates one folder level. @return false when it already exists or its parent is missing
 bool createFolder(const std::wstring& path);
 
+/// The same for a folder that nobody else may look into (on Windows the folder around it decides that).
+bool createPrivateFolder(const std::wstring& path);
+
+/// Deletes a folder with the files in it; when something is left in it, the folder stays, too.
+bool removeFolderAndFiles(const std::wstring& path);
+
 /// Deletes one empty folder, without asking for memory.
 bool removeFolder(const std::wstring& path);
 

@@ -139,9 +139,16 @@ VOK_API const wchar_t* vo_options_get_main_module_path(void);
  * elsewhere. Null or empty: the running executable again. Any thread may call it. */
 VOK_API void vo_options_set_main_module_path(const wchar_t* path);
 
-/* The system's folder for temporary files, with a trailing separator.
+/* The folder for temporary files, with a trailing separator: what vo_options_set_temp_wpath set, else the system's.
  * The text lives until the next call of this function in the same thread. */
 VOK_API const wchar_t* vo_options_get_temp_wpath(void);
+
+/* Chooses the folder for temporary files, which must exist; a trailing separator is added when there is none. Null or
+ * empty: the system's again. Any thread may call it.
+ * While a workbook is read, its text lies there under the workbook's name. So two workbooks of one name must not be read
+ * at the same time in one folder, whatever programs read them, and a file of that name which was there is lost. A host
+ * that chooses a folder of its own is safe from other programs and from its user's files. */
+VOK_API void vo_options_set_temp_wpath(const wchar_t* path);
 
 /* ---- the system's code page ---- */
 

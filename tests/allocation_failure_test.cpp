@@ -119,7 +119,7 @@ const std::vector<source>& sources() {
        }},
       {"odbc", L"t.mdb", [](const temporaryFolder& to) { makeOdbcTable(to, L"t.mdb", ""); }, true, 17},
       {"odbc_in_blocks", L"t.dhdb",
-       [](const temporaryFolder& to) { makeOdbcTable(to, L"t.dhdb", "blocks\twell\n"); }, true},
+       [](const temporaryFolder& to) { makeOdbcTable(to, L"t.dhdb", "blocks\twell\n"); }, true, 3},
   };
   // clang-format on
   return all;

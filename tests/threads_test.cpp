@@ -198,7 +198,7 @@ TEST(threads, sixteenGetWhatOneAloneGets) {
   }
 }
 
-// The two settings that a host may change from any thread.
+// The settings that a host may change from any thread.
 TEST(threads, settingsMayBeChangedWhileOthersRead) {
   const temporaryFolder folder;
   const std::wstring path = folder.write(L"t.csv", "A;B\n1;2\n");
@@ -210,12 +210,14 @@ TEST(threads, settingsMayBeChangedWhileOthersRead) {
       for (int round = 0; round < rounds(); ++round) {
         vo_options_set_system_code_page(i % 2 == 0 ? 1251 : 866);
         vo_options_set_main_module_path(i % 2 == 0 ? L"/one" : L"/another");
+        vo_options_set_temp_wpath(i % 2 == 0 ? L"/tmp/one" : nullptr);
         answers[i] = readBack(path) + testSupport::printable(vo_options_get_main_module_path());
       }
     });
   for (std::thread& thread : threads) thread.join();
   vo_options_set_system_code_page(0);
   vo_options_set_main_module_path(nullptr);
+  vo_options_set_temp_wpath(nullptr);
   for (const std::string& answer : answers)
     EXPECT_TRUE(answer == expected + "/one" || answer == expected + "/another") << answer;
 }

@@ -28,6 +28,14 @@ exitCode showRows(const commandLine& request, extent wanted, std::uint64_t rows,
   return concludeReading(*reader, request.reading, context);
 }
 
+/// WHY not the fields alone of a sheet whose header row is named: the library answers with its first row when it has
+/// none, and with a field of its own making when the row lies behind the sheet's end.
+extent extentForFields(const readingArguments& arguments, tableRW::tableReader& reader) {
+  const tableRW::capability_options offered = reader.get_capabilities();
+  const bool isSheet = offered.offersTables && offered.offersPositions;
+  return extent{isSheet && arguments.headerRow ? 1 : extent::fieldsOnly};
+}
+
 }  // namespace
 
 exitCode listTables(const commandLine& request, toolContext& context) {
@@ -44,7 +52,7 @@ exitCode listFields(const commandLine& request, toolContext& context) {
   readerPointer reader;
   const exitCode opened = openSource(request.reading, context, reader);
   if (!reader) return opened;
-  const extent wanted{extent::fieldsOnly};
+  const extent wanted = extentForFields(request.reading, *reader);
   if (!readSource(*reader, wanted, request.reading, context)) return exitCode::cannotOpen;
   recordList list{
       "fields", {{"name", "name"}, {"type", "type"}},

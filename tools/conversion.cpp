@@ -49,6 +49,17 @@ std::wstring outputDelimiter(const commandLine& request) {
   return makeDelimiter(request.targetDelimiter.value_or(";"));
 }
 
+/// True, and explained, when there is a file where the code page of a DBF file is told, and it may not be replaced.
+bool refusesCodePageFile(const commandLine& request, const messageWriter& messages) {
+  const std::wstring path = codePageFileOf(toWide(request.target));
+  if (request.force || !platform::fileExists(path)) return false;
+  messages.error(
+      fmt::format("{} exists already, and tells the code page of a table with the target's name: "
+                  "name another target, or replace it with --force",
+                  toUtf8(path)));
+  return true;
+}
+
 /// A conversion on its way, from the table that was read to the target.
 class conversion {
  public:
@@ -82,7 +93,9 @@ class conversion {
     }
     if (!isComplete(file.temporaryPath())) return exitCode::writeFailed;
     // Reading and writing took their time: the target may be there by now.
-    if (refusesExisting(request_.target, request_.force, messages_)) return exitCode::writeFailed;
+    if (refusesExisting(request_.target, request_.force, messages_) ||
+        refusesCodePageFile(request_, messages_))
+      return exitCode::writeFailed;
     if (!file.finish()) {
       messages_.error(
           fmt::format("cannot replace {}: close programs that use it, and check its permissions",
@@ -229,6 +242,25 @@ exitCode checkFileToWrite(const std::string& name, const commandLine& request,
   return refusesExisting(name, request.force, messages) ? exitCode::writeFailed : exitCode::clean;
 }
 
+namespace {
+
+/// Refuses a DBF file when the file of its code page would take the place of one that is needed.
+exitCode checkCodePageFile(const commandLine& request, const messageWriter& messages) {
+  const std::wstring path = codePageFileOf(toWide(request.target));
+  if (path.empty()) return exitCode::clean;
+  const auto isTaken = [&](const std::string& name) { return isSamePath(toWide(name), path); };
+  const bool isSource = isTaken(request.reading.file);
+  if (isSource || (request.rejects && isTaken(*request.rejects))) {
+    messages.error(fmt::format(
+        "{} tells the code page of {} and cannot be {} too: name another target", toUtf8(path),
+        request.target, isSource ? "the source" : "the file for rejected lines"));
+    return exitCode::usage;
+  }
+  return refusesCodePageFile(request, messages) ? exitCode::writeFailed : exitCode::clean;
+}
+
+}  // namespace
+
 exitCode checkTarget(const commandLine& request, const messageWriter& messages) {
   const std::wstring target = toWide(request.target);
   const std::wstring delimiter = outputDelimiter(request);
@@ -255,7 +287,8 @@ exitCode checkTarget(const commandLine& request, const messageWriter& messages) 
     messages.hint("vok_table formats lists what can be written");
     return exitCode::notAvailable;
   }
-  return checkFileToWrite(name, request, messages);
+  const exitCode checked = checkFileToWrite(name, request, messages);
+  return checked == exitCode::clean ? checkCodePageFile(request, messages) : checked;
 }
 
 conversionResult writeTable(const commandLine& request, const selectedTable& table,

@@ -55,9 +55,11 @@ exitCode convertTable(const commandLine& request, toolContext& context) {
   }
   const auto table = selectForTarget(request, *reader, context);
   if (!table) return exitCode::usage;
-  const conversionResult written = writeTable(request, *table, context.messages);
+  rejectsFile rejects(request, *reader, context.messages);
+  conversionResult written{rejects.prepare(), 0, false};
+  if (written.outcome == exitCode::clean) written = writeTable(request, *table, context.messages);
   exitCode outcome = written.outcome;
-  if (isWritten(outcome)) outcome = worse(outcome, keepRejects(request, *reader, context.messages));
+  if (isWritten(outcome)) outcome = worse(outcome, rejects.finish());
   if (context.answer.isJson())
     context.answer.records(conversionReport({reportRow(request, *reader, written)}));
   return worse(outcome, concludeReading(*reader, request.reading, context));

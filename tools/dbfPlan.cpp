@@ -249,9 +249,10 @@ std::optional<std::string> dbfPlan::useNamed(const selectedTable& table, std::st
   return std::nullopt;
 }
 
-std::optional<std::string> dbfPlan::nameProblem(std::size_t field, std::wstring_view) const {
+std::optional<std::string> dbfPlan::nameProblem(std::size_t field, std::wstring_view name) const {
   const std::string& latin = latinNames_[field];
-  if (latin.empty()) return "has no name, and gets one";
+  if (name.empty()) return "has no name, and gets one";
+  if (latin.empty()) return "nothing of the name is left in Latin letters, and it gets another";
   if (latin.size() > longestName)
     return fmt::format("the name is cut to {} characters", longestName);
   if (!std::all_of(latin.begin(), latin.end(), isPlainInName) ||

@@ -13,6 +13,7 @@
 #include "tools/formats.h"
 #include "tools/odbcSources.h"
 #include "tools/text.h"
+#include "tools/workbookReading.h"
 
 namespace vokTable {
 namespace {
@@ -98,6 +99,7 @@ exitCode examine(const readingArguments& reading, report& lines, toolContext& co
   const exitCode opened = openSource(reading, context, reader);
   if (!reader) return opened;
   std::vector<std::wstring> tables;
+  const workbookReading converted(reading, reader->path());
   reader->tableList(tables);
   for (const std::wstring& table : tables) lines.add("table", toUtf8(table));
   // There are options: the reader was opened with them.

@@ -5,6 +5,7 @@
 
 #include "platform/files.h"
 #include "tools/commands.h"
+#include "tools/workbookReading.h"
 
 namespace vokTable {
 
@@ -32,6 +33,7 @@ exitCode listRejectedLines(const commandLine& request, toolContext& context) {
   list.visitRows = [&](const rowReceiver& receive) {
     if (reader->errorCount() == 0) return;
     const std::wstring expected = std::to_wstring(reader->fieldCount());
+    const workbookReading converted(request.reading, reader->path());
     isWhole = reader->rejectedRecords([&](const tableRW::rejectedRecord& record) {
       const bool hasPlace = record.offset != tableRW::rejectedRecord::noOffset;
       return receive({std::to_wstring(record.line + 1),

@@ -34,6 +34,13 @@ constexpr format formats[] = {
     {fileTypePetrel,        "petrel",    "Petrel text table",             "by first line",   ""    },
 };
 
+// Extensions of tables that are not written, or not in the format that other programs expect there; no type of
+// source is chosen for them.
+constexpr std::wstring_view foreignExtensions[] = {
+    L"xlsm", L"xlsb", L"xltx",    L"xltm", L"xlt", L"ods",   L"fods",
+    L"db",   L"db3",  L"sqlite3", L"gpkg", L"mde", L"accde",
+};
+
 constexpr std::string_view automatic = "auto";
 
 bool isChosenFor(const format& asked, std::string_view extension) {
@@ -135,6 +142,10 @@ bool isDelimitedText(std::int32_t fileType, const std::wstring& path) {
   return fileTypeOf(fileType, path) == fileTypeCsv;
 }
 
+bool isWorkbook(std::int32_t fileType, const std::wstring& path) {
+  return fileTypeOf(fileType, path) == fileTypeXlsConverter;
+}
+
 bool isSqliteDatabase(std::int32_t fileType, const std::wstring& path) {
   return fileTypeOf(fileType, path) == fileTypeSqlite;
 }
@@ -143,6 +154,9 @@ bool isSqliteDatabase(std::int32_t fileType, const std::wstring& path) {
 // under one by which the table would be read back as something else.
 bool isWritable(const std::wstring& path) {
   const std::wstring extension = writtenExtension(path);
+  if (std::find(std::begin(foreignExtensions), std::end(foreignExtensions), extension) !=
+      std::end(foreignExtensions))
+    return false;
   const format* const read = extension.empty() ? nullptr : formatOfPath(L"." + extension);
   return read == nullptr || *read->written != '\0';
 }

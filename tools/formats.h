@@ -51,6 +51,9 @@ bool isDelimitedText(std::int32_t fileType, const std::wstring& path);
 /// True for an SQLite database: chosen by its type, or automatically by its extension.
 bool isSqliteDatabase(std::int32_t fileType, const std::wstring& path);
 
+/// True for a workbook that the converter reads: chosen by its type, or automatically by its extension.
+bool isWorkbook(std::int32_t fileType, const std::wstring& path);
+
 /// True when this version writes the format that the path's extension names.
 bool isWritable(const std::wstring& path);
 

@@ -16,18 +16,21 @@ constexpr int signals[] = {
 
 // WHY a global: a signal handler can reach nothing else.
 volatile std::sig_atomic_t asked = 0;
+int nested = 0;
 
 extern "C" void noteSignal(int) { asked = 1; }
 
 }  // namespace
 
 interruption::interruption() {
+  if (nested++ > 0) return;
   asked = 0;
   for (const int number : signals)
     if (std::signal(number, noteSignal) == SIG_IGN) std::signal(number, SIG_IGN);
 }
 
 interruption::~interruption() {
+  if (--nested > 0) return;
   for (const int number : signals)
     if (std::signal(number, SIG_DFL) == SIG_IGN) std::signal(number, SIG_IGN);
 }

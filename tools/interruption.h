@@ -4,7 +4,8 @@
 
 namespace vokTable {
 
-/// While it lives, a request to end the program is noted instead of obeyed. One at a time.
+/// While it lives, a request to end the program is noted instead of obeyed. They may be nested: what one within another
+/// has noted, the outer one has, too.
 class interruption {
  public:
   interruption();

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/caseFolding.h"
 #include "platform/files.h"
 #include "tools/conversion.h"
 #include "tools/interruption.h"
 #include "tools/targetFile.h"
 #include "tools/text.h"
+#include "tools/workbookReading.h"
 
 namespace vokTable {
 namespace {
@@ -75,10 +75,7 @@ exitCode checkRejects(const commandLine& request, const tableRW::tableReader& re
         request.reading.file));
     return exitCode::cannotOpen;
   }
-  const std::wstring path = toWide(name);
-  const std::wstring target = toWide(request.target);
-  const bool areAlike = platform::lowerCase(path) == platform::lowerCase(target);
-  if (areAlike || platform::isSameFile(path, target)) {
+  if (isSamePath(toWide(name), toWide(request.target))) {
     messages.error(fmt::format(
         "{} is both the target and the file for rejected lines: name another one", name));
     return exitCode::usage;
@@ -86,48 +83,55 @@ exitCode checkRejects(const commandLine& request, const tableRW::tableReader& re
   return checkFileToWrite(name, request, messages);
 }
 
-exitCode keepRejects(const commandLine& request, tableRW::tableReader& reader,
-                     const messageWriter& messages) {
-  if (!request.rejects) return exitCode::clean;
-  const std::string& name = *request.rejects;
-  // The target is there by now: two names of one file can be told for what they are.
-  const exitCode checked = checkRejects(request, reader, messages);
+exitCode rejectsFile::prepare() {
+  if (!request_.rejects) return exitCode::clean;
+  const std::string& name = *request_.rejects;
+  // Reading took its time: the file may be there by now.
+  const exitCode checked = checkRejects(request_, reader_, messages_);
   if (checked != exitCode::clean) return checked;
   const interruption interrupted;  // outlives whatever has to be cleaned up
-  targetFile file(toWide(name));
-  pieceCopier copier(reader.path(), file.temporaryPath());
+  file_.emplace(toWide(name));
+  pieceCopier copier(reader_.path(), file_->temporaryPath());
   bool isWhole = true;
-  if (reader.errorCount() > 0) {
+  if (reader_.errorCount() > 0) {
     std::uint64_t count = 0;
-    const bool isRead = reader.rejectedRecords([&](const tableRW::rejectedRecord& record) {
+    const workbookReading converted(request_.reading, reader_.path());
+    const bool isRead = reader_.rejectedRecords([&](const tableRW::rejectedRecord& record) {
       ++count;
       return copier.copy(record) && !interrupted.isAskedFor();
     });
-    isWhole = isRead && count == reader.errorCount();
+    isWhole = isRead && count == reader_.errorCount();
   }
   if (!copier.finish()) {
-    messages.error(fmt::format(
+    messages_.error(fmt::format(
         "cannot write {}: check that its folder exists, may be written to and has room on its disk",
         name));
     return exitCode::writeFailed;
   }
   if (interrupted.isAskedFor()) {
-    messages.error(fmt::format("interrupted: {} was not written", name));
+    messages_.error(fmt::format("interrupted: {} was not written", name));
     return exitCode::writeFailed;
   }
   if (!isWhole || !copier.sourceWasThere()) {
-    messages.error(
+    messages_.error(
         fmt::format("{} was not written: {} has changed since it was read, or cannot be read "
                     "again; convert it again",
-                    name, request.reading.file));
-    return exitCode::writeFailed;
-  }
-  if (!file.finish()) {
-    messages.error(fmt::format(
-        "cannot replace {}: close programs that use it, and check its permissions", name));
+                    name, request_.reading.file));
     return exitCode::writeFailed;
   }
   return exitCode::clean;
+}
+
+exitCode rejectsFile::finish() {
+  if (!file_) return exitCode::clean;
+  // The target is there by now: two names of one file can be told for what they are.
+  const exitCode checked = checkRejects(request_, reader_, messages_);
+  if (checked != exitCode::clean) return checked;
+  if (file_->finish()) return exitCode::clean;
+  messages_.error(
+      fmt::format("cannot replace {}: close programs that use it, and check its permissions",
+                  *request_.rejects));
+  return exitCode::writeFailed;
 }
 
 }  // namespace vokTable

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "platform/files.h"
@@ -12,6 +13,7 @@
 #include "tools/odbcSources.h"
 #include "tools/progress.h"
 #include "tools/text.h"
+#include "tools/workbookReading.h"
 
 namespace vokTable {
 namespace {
@@ -57,6 +59,52 @@ bool isSqlite(const tableRW::tableReader& reader, const readingArguments& argume
   return isSqliteDatabase(*type, reader.path());
 }
 
+/// Options that a format has no use for are no mistake, but whoever gives them expects something of them. The encoding of
+/// a Petrel table is that of its name.
+void hintAtUnusedOptions(tableRW::tableReader& reader, const tableRW::tableReaderOptions& options,
+                         const readingArguments& arguments, const messageWriter& messages) {
+  const bool isText = isDelimitedText(options.file_type, options.path) ||
+                      options.file_type == tableRW::fileTypePetrel;
+  const bool hasLines = reader.get_capabilities().offersPositions;
+  const auto hint = [&](std::string_view option, const std::optional<std::string>& value,
+                        bool isHeeded) {
+    if (value && !isHeeded)
+      messages.hint(fmt::format("{} has no effect on {}", option, arguments.file));
+  };
+  hint("--encoding", arguments.encoding, isText);
+  hint("--delimiter", arguments.delimiter, isText);
+  hint("--quote", arguments.quote, isText);
+  hint("--header-row", arguments.headerRow, hasLines);
+  hint("--data-row", arguments.dataRow, hasLines);
+}
+
+bool beginsWith(const std::wstring& path, std::string_view mark) {
+  std::string begin(mark.size(), '\0');
+  platform::binaryFile file;
+  return file.openForReading(path) && file.read(begin.data(), begin.size()) == mark.size() &&
+         begin == mark;
+}
+
+/// A database that does not answer at all, not even which tables it has. FORMAT: the journal of a change that is
+/// done has gone, or lost its mark.
+bool explainSilentDatabase(const tableRW::tableReader& reader, const readingArguments& arguments,
+                           const messageWriter& messages) {
+  constexpr std::string_view databaseMark("SQLite format 3\0", 16);
+  constexpr std::string_view journalMark("\xD9\xD5\x05\xF9\x20\xA1\x63\xD7", 8);
+  if ((reader.isOK() && reader.isWhole()) || !isSqlite(reader, arguments)) return false;
+  if (!beginsWith(reader.path(), databaseMark)) return false;
+  const std::string journal = arguments.file + "-journal";
+  messages.error(
+      beginsWith(toWide(journal), journalMark)
+          ? fmt::format("cannot read {}: the changes in {} are not finished: another program is "
+                        "writing them, or broke off; let one that may write the database open it",
+                        arguments.file, journal)
+          : fmt::format("cannot read {}: another program has it locked, or it is damaged; close "
+                        "programs that use it and try again",
+                        arguments.file));
+  return true;
+}
+
 /// A source that opened and could not be read to its end: what was read of it must pass for no answer. Of a database
 /// only the engine knows whether it is damaged or the disk has failed.
 bool explainIncomplete(const tableRW::tableReader& reader, const readingArguments& arguments,
@@ -66,6 +114,13 @@ bool explainIncomplete(const tableRW::tableReader& reader, const readingArgument
       fmt::format("cannot read {} to its end: the disk or the network failed, or its memo file "
                   "cannot be opened",
                   arguments.file));
+  return true;
+}
+
+bool explainInterruption(const workbookReading& converted, const readingArguments& arguments,
+                         const messageWriter& messages) {
+  if (!converted.isInterrupted()) return false;
+  messages.error(fmt::format("interrupted: {} was not read", arguments.file));
   return true;
 }
 
@@ -117,7 +172,35 @@ void hintAtTables(const std::vector<std::wstring>& tables, const messageWriter& 
   messages.hint(fmt::format("name one of its tables with --table: {}", names));
 }
 
-bool readExtent(tableRW::tableReader& reader, extent wanted) {
+/// A source that could be read and whose table has no fields: of a database that is a table which is not there.
+/// @return false when nothing was explained
+bool explainNoFields(tableRW::tableReader& reader, const readingArguments& arguments,
+                     const messageWriter& messages) {
+  const tableRW::capability_options offered = reader.get_capabilities();
+  if (!reader.isWhole() || offered.offersTextOptions) return false;
+  if (!offered.offersPositions) {
+    const auto type = findFileType(arguments.type.value_or("auto"));
+    messages.error(
+        fmt::format("cannot read {} as a {}: it has no fields; check the file and --type",
+                    arguments.file, formatName(*type, reader.path())));
+    return true;
+  }
+  messages.error(fmt::format("cannot read {}: the sheet has no line {}; check --header-row",
+                             arguments.file, arguments.headerRow.value_or("1")));
+  std::vector<std::wstring> tables;
+  reader.tableList(tables);
+  if (!arguments.table && tables.size() > 1) hintAtTables(tables, messages);
+  return true;
+}
+
+/// WHY an SQLite database is asked for its tables first: it waits for a lock, and once is enough to know that it does
+/// not answer.
+bool readExtent(tableRW::tableReader& reader, extent wanted, const readingArguments& arguments) {
+  if (isSqlite(reader, arguments)) {
+    std::vector<std::wstring> tables;
+    reader.tableList(tables);
+    if (!reader.isWhole()) return false;
+  }
   if (wanted.rows == extent::fieldsOnly) return reader.readOnlyHeaders();
   return wanted.rows == extent::wholeTable ? reader.read() : reader.readDemo(wanted.rows);
 }
@@ -158,6 +241,7 @@ exitCode openSource(const readingArguments& arguments, toolContext& context,
   if (reached != exitCode::clean) return reached;
   readerPointer opened(tableRW::tableReader::open(*options));
   if (opened->path().empty()) return explainNothingReads(*options, context.messages);
+  hintAtUnusedOptions(*opened, *options, arguments, context.messages);
   reader = std::move(opened);
   return exitCode::clean;
 }
@@ -165,14 +249,17 @@ exitCode openSource(const readingArguments& arguments, toolContext& context,
 bool readSource(tableRW::tableReader& reader, extent wanted, const readingArguments& arguments,
                 toolContext& context) {
   bool isRead = false;
+  const workbookReading converted(arguments, reader.path());
   {
     const progressLine progress(context.messages, fmt::format("reading {}", arguments.file));
-    isRead = readExtent(reader, wanted);
+    isRead = readExtent(reader, wanted, arguments);
   }
+  if (explainInterruption(converted, arguments, context.messages)) return false;
   // A table that is not there has no fields, and reading them alone is no failure then.
   const bool offersTables = reader.get_capabilities().offersTables;
   if (isRead && reader.isWhole() && (reader.fieldCount() > 0 || !offersTables)) return true;
-  explainFailure(reader, arguments, context);
+  if (!isRead || !explainNoFields(reader, arguments, context.messages))
+    explainFailure(reader, arguments, context);
   return false;
 }
 
@@ -181,6 +268,7 @@ void explainFailure(tableRW::tableReader& reader, const readingArguments& argume
   if (explainPipe(reader, arguments, context.messages)) return;
   if (explainUnreadable(reader.path(), context.messages)) return;
   if (explainIncomplete(reader, arguments, context.messages)) return;
+  if (explainSilentDatabase(reader, arguments, context.messages)) return;
   const std::vector<std::wstring> tables = tablesInstead(reader, arguments);
   if (tables.empty()) {
     const std::string table =
@@ -204,7 +292,9 @@ exitCode concludeReading(tableRW::tableReader& reader, const readingArguments& a
 
 bool listSourceTables(tableRW::tableReader& reader, const readingArguments& arguments,
                       toolContext& context, std::vector<std::wstring>& tables) {
+  const workbookReading converted(arguments, reader.path());
   reader.tableList(tables);
+  if (explainInterruption(converted, arguments, context.messages)) return false;
   const bool isListed = reader.isWhole() && (!tables.empty() || isReadable(reader, arguments));
   if (isListed) return true;
   explainFailure(reader, arguments, context);

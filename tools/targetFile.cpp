@@ -1,5 +1,6 @@
 #include "tools/targetFile.h"
 
+#include "platform/caseFolding.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "tools/formats.h"
@@ -7,14 +8,34 @@
 namespace vokTable {
 namespace {
 
-std::wstring codePageFileOf(const std::wstring& table) {
-  return table.substr(0, table.rfind(L'.')) + L".cpg";
+std::size_t nameBegin(const std::wstring& path) {
+  return path.find_last_of(L"/\\") + 1;  // 0 when there is neither
+}
+
+std::wstring folderOf(const std::wstring& path) {
+  const std::wstring folder = path.substr(0, nameBegin(path));
+  return folder.empty() ? L"." : folder;
+}
+
+std::wstring comparableName(const std::wstring& path) {
+  return platform::lowerCase(path.substr(nameBegin(path)));
 }
 
 }  // namespace
 
+bool isSamePath(const std::wstring& first, const std::wstring& second) {
+  return platform::isSameFile(first, second) ||
+         (comparableName(first) == comparableName(second) &&
+          platform::isSameFile(folderOf(first), folderOf(second)));
+}
+
+std::wstring codePageFileOf(const std::wstring& target) {
+  if (!isWrittenAsDbf(target)) return {};
+  return target.substr(0, target.rfind(L'.')) + L".cpg";
+}
+
 targetFile::targetFile(const std::wstring& target) : target_(target) {
-  const std::size_t name = target.find_last_of(L"/\\") + 1;  // 0 when there is neither
+  const std::size_t name = nameBegin(target);
   const std::size_t dot = target.rfind(L'.');
   const std::wstring extension =
       dot == std::wstring::npos || dot < name ? std::wstring() : target.substr(dot);
@@ -23,8 +44,8 @@ targetFile::targetFile(const std::wstring& target) : target_(target) {
   long number = platform::clockCount();
   do {
     temporaryPath_ = begin + std::to_wstring(number++) + extension;
-  } while (platform::fileExists(temporaryPath_));
-  if (isWrittenAsDbf(target)) codePagePath_ = codePageFileOf(temporaryPath_);
+    codePagePath_ = codePageFileOf(temporaryPath_);
+  } while (platform::fileExists(temporaryPath_) || platform::fileExists(codePagePath_));
 }
 
 targetFile::~targetFile() {

@@ -10,6 +10,13 @@
 
 namespace vokTable {
 
+/// True for two paths of one file, also of one that is not there yet: of one name in one folder, however that is
+/// written. Names that differ in letter case alone count as one, as they are on Windows.
+bool isSamePath(const std::wstring& first, const std::wstring& second);
+
+/// The file beside a DBF file that tells its code page; it need not be there. Empty for other targets.
+std::wstring codePageFileOf(const std::wstring& target);
+
 /// The temporary file. It goes away with its owner, unless it has taken the target's name before.
 class targetFile {
  public:

@@ -41,7 +41,7 @@ bool drivesTerminal(char32_t character);
 enum class destination { pipe, terminal };
 
 /// Appends a value so that it stays on its line and in its column: TAB, LF and CR become \t \n \r,
-/// a lone surrogate becomes U+FFFD. For a terminal, so do all characters that could drive it or
+/// a backslash stays, so the way back is not always clear; a lone surrogate becomes U+FFFD. For a terminal, so do all characters that could drive it or
 /// disorder the line.
 void appendShown(std::wstring& out, std::wstring_view value, destination where);
 

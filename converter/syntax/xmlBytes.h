@@ -85,8 +85,8 @@ class xmlTagBytes {
  public:
   /// Reads ` name="value"`, any number of them.
   /// @param at  behind the element's name
-  /// @return behind the last one, at `>` or `/>`; null when there is anything else, a local name twice
-  ///         included
+  /// @return behind the last one, at `>` or `/>`; null when there is anything else, a local name twice and
+  ///         another namespace included
   const char* read(const char* at) {
     count_ = 0;
     for (; *at == ' '; ++at) {
@@ -95,7 +95,8 @@ class xmlTagBytes {
       while (detail::isNameCharacter(*at)) ++at;
       std::string_view found(name, static_cast<std::size_t>(at - name));
       found.remove_prefix(found.rfind(':') + 1);
-      if (!beginsWith(at, "=\"") || count_ == names_.size() || find(found) != nullptr)
+      if (!beginsWith(at, "=\"") || count_ == names_.size() || find(found) != nullptr ||
+          found == "xmlns")
         return nullptr;
       const char* const value = at + 2;
       at = behindPlain(value);

@@ -2,6 +2,7 @@
 
 #include <expat.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <exception>
@@ -60,11 +61,69 @@ class shortcutPlace {
   std::uint32_t behindTag_ = 0;
 };
 
+// Which elements are of another namespace than the document's root. A namespace that is not declared, or is
+// none, counts as the root's.
+// WHY not the parser's own handling of namespaces: it would make longer names of millions of elements.
+class namespaces {
+ public:
+  /// @return whether the element is of another namespace
+  bool startElement(const char* name, const XML_Char** attributes, unsigned depth) {
+    const auto length = static_cast<std::size_t>(localName(name) - name);
+    const std::string_view prefix(name, length == 0 ? 0 : length - 1);
+    if (depth == 1) setOwn(prefix, attributes);
+    if (own_.empty()) return false;
+    forEachDeclaration(attributes, [&](std::string_view declared, std::string_view identifier) {
+      if (declared_.size() < mostDeclared)
+        declared_.push_back(
+            {std::string(declared), depth, !identifier.empty() && identifier != own_});
+    });
+    const auto found = std::find_if(declared_.rbegin(), declared_.rend(),
+                                    [&](const entry& each) { return each.prefix == prefix; });
+    return found != declared_.rend() && found->isForeign;
+  }
+  void endElement(unsigned depth) {
+    while (!declared_.empty() && declared_.back().depth == depth) declared_.pop_back();
+  }
+
+ private:
+  // Far more than programs declare. WHY any: each element is looked up among them.
+  static constexpr std::size_t mostDeclared = 64;
+
+  struct entry {
+    std::string prefix;
+    unsigned depth;
+    bool isForeign;
+  };
+
+  template <class Receive>
+  static void forEachDeclaration(const XML_Char** attributes, Receive receive) {
+    constexpr std::string_view declaration = "xmlns";
+    for (; *attributes != nullptr; attributes += 2) {
+      std::string_view name(attributes[0]);
+      if (!name.starts_with(declaration)) continue;
+      name.remove_prefix(declaration.size());
+      if (name.empty())
+        receive(name, attributes[1]);
+      else if (name[0] == ':')
+        receive(name.substr(1), attributes[1]);
+    }
+  }
+  void setOwn(std::string_view prefix, const XML_Char** attributes) {
+    forEachDeclaration(attributes, [&](std::string_view declared, std::string_view identifier) {
+      if (declared == prefix) own_ = identifier;
+    });
+  }
+
+  std::string own_;
+  std::vector<entry> declared_;
+};
+
 // What the handlers share. No exception may pass through expat, so one is kept and thrown again behind it.
 struct parsing {
   XML_Parser parser;
   xmlEvents* events;
   shortcutPlace place;
+  namespaces names = {};
   unsigned depth = 0;
   unsigned skippedAt = 0;  // depth of the element whose content is left out; 0: none
   bool hadEvent = false;
@@ -94,7 +153,10 @@ void XMLCALL startElement(void* user, const XML_Char* name, const XML_Char** att
   }
   if (state.skippedAt != 0) return;
   const char* const local = localName(name);
-  if (isText(local, "Choice")) {
+  bool isForeign = false;
+  state.guarded([&] { isForeign = state.names.startElement(name, attributes, state.depth); });
+  const bool isAround = isText(local, "AlternateContent") || isText(local, "Fallback");
+  if (isText(local, "Choice") || isText(local, "extLst") || (isForeign && !isAround)) {
     state.skippedAt = state.depth;
     return;
   }
@@ -106,6 +168,7 @@ void XMLCALL endElement(void* user, const XML_Char* name) {
   auto& state = *static_cast<parsing*>(user);
   state.hadEvent = true;
   const unsigned depth = state.depth--;
+  state.names.endElement(depth);
   if (state.skippedAt != 0) {
     if (state.skippedAt == depth) state.skippedAt = 0;
     return;

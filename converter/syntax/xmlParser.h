@@ -2,7 +2,8 @@
 //
 // Elements and attributes are known by their local names: workbooks use any prefix, and the transitional and
 // the strict namespaces mean the same. The content of `Choice` elements (mc:AlternateContent) is left out,
-// what stands beside it as the fallback is read.
+// what stands beside it as the fallback is read. Left out too is what programs keep for themselves, under any
+// names: in `extLst`, and in elements of another namespace than the root's.
 //
 // What repeats may be taken from the bytes themselves (`xmlShortcut`), where it stands as plainly as programs
 // write it; everything else, and every doubt, goes through expat.

@@ -128,9 +128,9 @@ void appendFormatted(std::string& text, double number, numberKind kind, dateSyst
   if (kind != numberKind::date) appendTime(text, milliseconds);
 }
 
-void appendFormatted(std::string& text, std::string_view number, numberKind kind,
+void appendFormatted(std::string& text, std::string_view number, const numberFormat& format,
                      dateSystem system) {
-  if (kind == numberKind::number && isShortest(number)) {
+  if (format.isPlain() && isShortest(number)) {
     text += number;
     return;
   }
@@ -142,7 +142,7 @@ void appendFormatted(std::string& text, std::string_view number, numberKind kind
   const bool isNumber = result.ec == std::errc() && result.ptr == digits.data() + digits.size() &&
                         std::isfinite(value);
   if (isNumber)
-    appendFormatted(text, value, kind, system);
+    appendFormatted(text, value, format.kindOf(value), system);
   else
     text += number;
 }

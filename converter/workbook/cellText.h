@@ -27,7 +27,7 @@ void appendFormatted(std::string& text, double number, numberKind kind, dateSyst
 
 /// The same for a number in decimal notation, as it stands in a file; text that is no number is appended as
 /// it is. @param number  without blanks around it
-void appendFormatted(std::string& text, std::string_view number, numberKind kind,
+void appendFormatted(std::string& text, std::string_view number, const numberFormat& format,
                      dateSystem system);
 
 constexpr std::string_view trueText = "TRUE";

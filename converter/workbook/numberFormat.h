@@ -17,17 +17,65 @@ enum class numberKind : std::uint8_t {
   elapsed    ///< hours, minutes or seconds that may pass a day: [h]:mm
 };
 
-/// By the code of a format, such as `dd.mm.yyyy hh:mm`. Its first section counts; quoted and escaped text,
-/// colours, conditions and locales in brackets do not.
-numberKind kindOfFormatCode(std::string_view code);
-
 /// By the number of a format that a workbook does not define: one that is built in.
 numberKind kindOfBuiltInFormat(unsigned number);
+
+/// A number format: the kinds that its sections show, and for which numbers each of them is.
+///
+/// FORMAT: `positive or zero;negative`, `positive;negative;zero`, and behind them one for text. A section may
+/// have a condition of its own, `[<1]h:mm;dd.mm.yyyy`; what no condition meets is for the last section.
+class numberFormat {
+ public:
+  /// One that shows every number alike.
+  constexpr numberFormat(numberKind kind) : rest_(kind) {}
+
+  /// By its code, such as `dd.mm.yyyy hh:mm`. Quoted and escaped text, colours and locales in brackets do not
+  /// count. A number that all conditions leave out is a number.
+  explicit numberFormat(std::string_view code);
+
+  /// Whether it shows every number as one: no need to know which number it is.
+  constexpr bool isPlain() const {
+    return rest_ == numberKind::number && first_.kind == rest_ && second_.kind == rest_;
+  }
+
+  numberKind kindOf(double number) const;
+
+ private:
+  enum class comparison : std::uint8_t {
+    never,
+    less,
+    lessOrEqual,
+    equal,
+    notEqual,
+    greaterOrEqual,
+    greater
+  };
+  struct part {
+    double limit = 0;
+    comparison compare = comparison::never;
+    numberKind kind = numberKind::number;
+
+    bool isFor(double number) const;
+  };
+  struct section;
+
+  static section takeSection(std::string_view& code);
+
+  part first_ = {};
+  part second_ = {};
+  numberKind rest_;
+};
 
 /// The formats of one workbook: what each cell style shows.
 class numberFormats {
  public:
-  void define(unsigned number, std::string_view code) { defined_[number] = kindOfFormatCode(code); }
+  numberFormats() = default;
+  numberFormats(const numberFormats&) = delete;
+  numberFormats& operator=(const numberFormats&) = delete;
+
+  void define(unsigned number, std::string_view code) {
+    defined_.insert_or_assign(number, numberFormat(code));
+  }
 
   /// Adds the next cell style. Definitions may come after it.
   void addStyle(unsigned formatNumber) { styles_.push_back(formatNumber); }
@@ -39,14 +87,16 @@ class numberFormats {
   void resolve();
 
   /// A style that does not exist shows numbers.
-  numberKind kindOfStyle(std::size_t style) const {
-    return style < kinds_.size() ? kinds_[style] : numberKind::number;
+  const numberFormat& ofStyle(std::size_t style) const {
+    return style < formats_.size() ? *formats_[style] : plain;
   }
 
  private:
-  std::map<unsigned, numberKind> defined_;
+  static constexpr numberFormat plain{numberKind::number};
+
+  std::map<unsigned, numberFormat> defined_;
   std::vector<unsigned> styles_;
-  std::vector<numberKind> kinds_;
+  std::vector<const numberFormat*> formats_;  // in `defined_`
 };
 
 }  // namespace converter

@@ -325,7 +325,7 @@ void xlsWorkbook::emitNumber(sheetState& state, unsigned style, double number) {
     emitBooleanOrError(state, numberError, true);  // as spreadsheet programs take it
     return;
   }
-  const numberKind kind = formats_.kindOfStyle(style);
+  const numberKind kind = formats_.ofStyle(style).kindOf(number);
   line_.clear();
   if (kind == numberKind::number) {
     appendFormatted(line_, number, kind, dates_);

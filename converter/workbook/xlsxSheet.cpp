@@ -177,13 +177,13 @@ void xlsxSheetEvents::emitValue(std::string_view value) {
 }
 
 void xlsxSheetEvents::appendNumberText(std::string_view number) {
-  const numberKind kind = context_->formats.kindOfStyle(style_);
-  if (kind == numberKind::number) {
-    appendFormatted(line_, number, kind, context_->dates);
+  const numberFormat& format = context_->formats.ofStyle(style_);
+  if (format.isPlain()) {
+    appendFormatted(line_, number, format, context_->dates);
     return;
   }
   scratch_.clear();
-  appendFormatted(scratch_, number, kind, context_->dates);
+  appendFormatted(scratch_, number, format, context_->dates);
   context_->replacements.append(line_, scratch_);  // the colons of a time may be the delimiter
 }
 

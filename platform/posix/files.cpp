@@ -99,6 +99,21 @@ std::wstring findIgnoringCase(const std::wstring& path) {
 
 bool createFolder(const std::wstring& path) { return ::mkdir(nativePath(path).c_str(), 0777) == 0; }
 
+bool createPrivateFolder(const std::wstring& path) {
+  return ::mkdir(nativePath(path).c_str(), 0700) == 0;
+}
+
+bool removeFolderAndFiles(const std::wstring& path) {
+  const std::string folder = nativePath(path);
+  {
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(::opendir(folder.c_str()), ::closedir);
+    if (listing == nullptr) return false;
+    while (const dirent* const entry = ::readdir(listing.get()))
+      ::unlink((folder + '/' + entry->d_name).c_str());
+  }
+  return ::rmdir(folder.c_str()) == 0;
+}
+
 bool removeFolder(const std::wstring& path) { return ::rmdir(smallNativePath(path).c_str()) == 0; }
 
 std::string utf8Path(const std::wstring& path) { return nativePath(path); }

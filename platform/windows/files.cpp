@@ -78,6 +78,19 @@ std::wstring findIgnoringCase(const std::wstring& path) {
 
 bool createFolder(const std::wstring& path) { return CreateDirectoryW(path.c_str(), nullptr) != 0; }
 
+bool createPrivateFolder(const std::wstring& path) { return createFolder(path); }
+
+bool removeFolderAndFiles(const std::wstring& path) {
+  WIN32_FIND_DATAW entry;
+  const HANDLE listing = FindFirstFileW((path + L"\\*").c_str(), &entry);
+  if (listing == INVALID_HANDLE_VALUE) return false;
+  do {
+    DeleteFileW((path + L"\\" + entry.cFileName).c_str());
+  } while (FindNextFileW(listing, &entry) != 0);
+  FindClose(listing);
+  return removeFolder(path);
+}
+
 bool removeFolder(const std::wstring& path) { return RemoveDirectoryW(path.c_str()) != 0; }
 
 std::string utf8Path(const std::wstring& path) {

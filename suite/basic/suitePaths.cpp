@@ -7,9 +7,9 @@
 
 namespace {
 
-// The one thing that vok_basic remembers: what the host said of its main module. It is kept here and
-// nowhere else, because only the host can know it and every variant asks for it.
-class mainModule {
+// What vok_basic remembers: what the host said of its main module and of its temporary folder. They are kept here and
+// nowhere else, because only the host can know them and every variant asks for them.
+class hostsPath {
  public:
   void set(const wchar_t* path) {
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -26,9 +26,14 @@ class mainModule {
   std::wstring path_;
 };
 
-mainModule& hostsMainModule() {
-  static mainModule module;
+hostsPath& hostsMainModule() {
+  static hostsPath module;
   return module;
+}
+
+hostsPath& hostsTemporaryFolder() {
+  static hostsPath folder;
+  return folder;
 }
 
 }  // namespace
@@ -48,8 +53,15 @@ void vo_options_set_main_module_path(const wchar_t* path) { hostsMainModule().se
 
 const wchar_t* vo_options_get_temp_wpath(void) {
   thread_local std::wstring answer;
-  answer = platform::temporaryFolder();
+  answer = hostsTemporaryFolder().get();
+  if (answer.empty()) answer = platform::temporaryFolder();
   return answer.c_str();
+}
+
+void vo_options_set_temp_wpath(const wchar_t* path) {
+  std::wstring folder = path == nullptr ? L"" : path;
+  if (!folder.empty() && folder.back() != L'/' && folder.back() != L'\\') folder += L'/';
+  hostsTemporaryFolder().set(folder.c_str());
 }
 
 // NOLINTEND(clang-analyzer-cplusplus.InnerPointer)

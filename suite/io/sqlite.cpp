@@ -27,13 +27,22 @@ struct statementFinalizer {
 };
 using preparedStatement = std::unique_ptr<sqlite3_stmt, statementFinalizer>;
 
+// WHY asked: the engine takes a value that it cannot make into text for a lack of memory, as in the schema of a damaged
+// database. Statements need little.
+bool isMemoryLeft() {
+  constexpr int some = 1 << 16;
+  void* const memory = sqlite3_malloc(some);
+  sqlite3_free(memory);
+  return memory != nullptr;
+}
+
 // The first statement of a text; null when there is none or it is refused.
 // @param rest  when wanted, receives where the text goes on
 preparedStatement prepare(sqlite3* connection, const char* sql, const char** rest = nullptr,
                           bool* refused = nullptr) {
   sqlite3_stmt* statement = nullptr;
   const int result = sqlite3_prepare_v2(connection, sql, -1, &statement, rest);
-  if (result == SQLITE_NOMEM) throw std::bad_alloc();
+  if (result == SQLITE_NOMEM && !isMemoryLeft()) throw std::bad_alloc();
   if (refused != nullptr) *refused = result != SQLITE_OK;
   return preparedStatement(statement);
 }

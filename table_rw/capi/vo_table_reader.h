@@ -16,7 +16,8 @@
  * Only the two close functions accept a null handle; every other function needs a valid one. Failures
  * show as false results and empty strings; there are no messages. Lines (rows, records) count from 0.
  *
- * Threads: one handle belongs to one thread at a time; different handles are independent. */
+ * Threads: one handle belongs to one thread at a time; different handles are independent, but for two workbooks of one
+ * name, which must not be read at the same time (vo_options_set_temp_wpath tells why). */
 #ifndef VOK_TABLE_RW_CAPI_VO_TABLE_READER_H
 #define VOK_TABLE_RW_CAPI_VO_TABLE_READER_H
 

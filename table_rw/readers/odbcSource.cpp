@@ -1,7 +1,9 @@
 #include "table_rw/readers/odbcSource.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <string_view>
 
 #include "platform/files.h"
 #include "platform/vok_basic.h"
@@ -19,6 +21,23 @@ using ownedStrings = std::unique_ptr<vo_strings, stringsCloser>;
 // REAL 7, DOUBLE 8.
 bool isNumeric(std::int16_t sqlType) {
   return (sqlType >= 2 && sqlType <= 8) || sqlType == -6 || sqlType == -5;
+}
+
+// FORMAT: bytes 4 to 18 of an Access database are `Standard Jet DB` or `Standard ACE DB`, byte 20 is its version; it
+// consists of pages of 2048 bytes in version 0, of 4096 later.
+// WHY asked: mdbtools takes what is missing for the end of a table.
+bool isCutDatabase(const std::wstring& path) {
+  constexpr std::size_t versionAt = 20;
+  constexpr std::size_t nameAt = 4;
+  constexpr std::size_t nameSize = 15;
+  platform::binaryFile file;
+  std::array<char, versionAt + 1> begin = {};
+  if (!file.openForReading(path) || file.read(begin.data(), begin.size()) != begin.size())
+    return false;
+  const std::string_view name(&begin[nameAt], nameSize);
+  if (name != "Standard Jet DB" && name != "Standard ACE DB") return false;
+  const unsigned pageSize = begin[versionAt] == '\0' ? 2048 : 4096;
+  return file.size() % pageSize != 0;
 }
 
 }  // namespace
@@ -48,7 +67,8 @@ odbcSource::odbcSource()
 bool odbcSource::connect(const std::string& connectionString, const std::wstring& path) {
   constexpr std::wstring_view separators(L";\0", 2);
   if (path.find_first_of(separators) != std::wstring::npos ||
-      fromSystem(toSystem(path).c_str()) != path || platform::isPipeOrDevice(path))
+      fromSystem(toSystem(path).c_str()) != path || platform::isPipeOrDevice(path) ||
+      isCutDatabase(path))
     return false;
   return vo_odbc_connect_open_driver(connection_.get(), nullptr, connectionString.c_str());
 }

@@ -35,7 +35,7 @@ class odbcSource {
   /// @param connectionString  names the file, as it is
   /// @param path  the file's. With a semicolon or NUL in it, or a character that the system's code page
   ///              lacks, the string would name another file, which is not opened; nor is a pipe or device, for
-  ///              which a driver may wait for ever
+  ///              which a driver may wait for ever, nor an Access database that is cut within a page
   bool connect(const std::string& connectionString, const std::wstring& path);
 
   /// The names of tables and views; see vo_odbc_connect_get_tables for `sheets`.

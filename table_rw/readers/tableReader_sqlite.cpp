@@ -1,5 +1,6 @@
 #include "table_rw/readers/tableReader_sqlite.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -32,6 +33,16 @@ std::wstring columnList(const std::vector<std::wstring>& names) {
     list += L'"' + name + L'"';
   }
   return list;
+}
+
+// True when the engine takes the name for one word: it would take `wells new` for the table wells under another name.
+bool isOneWord(std::wstring_view name) {
+  static constexpr std::wstring_view letters =
+      L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_$";
+  constexpr wchar_t firstBeyondAscii = 0x80;
+  return std::all_of(name.begin(), name.end(), [](wchar_t c) {
+    return c >= firstBeyondAscii || letters.find(c) != std::wstring_view::npos;
+  });
 }
 
 // Most values, told eight bytes at a time.
@@ -101,7 +112,7 @@ bool tableReader_sqlite::readFields() {
 // WHY not without whole names: the engine takes a quoted name that no column has for a text, which would come
 // as every row's value.
 bool tableReader_sqlite::readRows() {
-  if (!namesAreWhole_) return false;
+  if (!namesAreWhole_ || !isOneWord(options_.table)) return false;
   const ownedQuery query =
       makeQuery(*database_, L"SELECT " + columnList(fieldNames_) + L" FROM " + options_.table);
   if (!query) return false;

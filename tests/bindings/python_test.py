@@ -104,6 +104,8 @@ class Reading(PackageTest):
         self.assertEqual(table.find("W", {"A": "N", "R": "c"}), ["1", "3"])
         self.assertEqual(table.find("W", {}), ["1", "2", "3", "4"])
         self.assertEqual(table.find("W", {"A": "n"}), [])
+        with self.assertRaisesRegex(TypeError, "values are text: 'A' is to be 2, a int"):
+            table.find("W", {"A": 2})
         for field, conditions in (("X", {}), ("W", {"X": "1"})):
             with self.assertRaisesRegex(self.vok.UnknownFieldError, r"no field 'X'; it has 'W', 'A', 'R'$"):
                 table.find(field, conditions)
@@ -185,6 +187,8 @@ class Failures(PackageTest):
                 ({"file_type": 10}, "10 is not a valid FileType"),
                 ({"direction": 2}, "direction is 2"),
                 ({"header_position": -(2**40)}, "lines count from 0"),
+                ({"header_position": -2}, "lines count from 0"),
+                ({"header_position": None, "data_position": 2}, "without a header every line is data"),
                 ({"data_position": -1}, "lines count from 0"),
                 ({"table": "a\0b"}, "the table's name holds a NUL"),
                 ({"delimiter": "\ud800"}, "the delimiter holds what is no character")):
@@ -360,6 +364,16 @@ class Writing(PackageTest):
                 with open(self.path(name), encoding="utf-8") as file:
                     self.assertEqual(file.read(), "old")
         self.assertEqual(sorted(os.listdir(self.folder)), ["o.csv", "o.dbf", "o.xlsx"])
+
+    def test_a_workbook_that_nothing_would_open_is_not_taken(self):
+        self.file("o.xlsx", "old")
+        for value in ("a&b&c", "a<b<c", "x\x01y&&"):
+            with self.assertRaisesRegex(self.vok.WriteError, "was not written: a value holds"):
+                self.vok.write_table(self.path("o.xlsx"), ["A"], [(value,)])
+        with open(self.path("o.xlsx"), encoding="utf-8") as file:
+            self.assertEqual(file.read(), "old")
+        self.vok.write_table(self.path("o.xlsx"), ["A"], [("a&b <c",)])
+        self.assertEqual(os.listdir(self.folder), ["o.xlsx"])
 
     def test_a_code_page_file_takes_the_old_ones_place(self):
         self.file("o.cpg", "old")

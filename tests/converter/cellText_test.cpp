@@ -185,6 +185,9 @@ const formatRow formatRows[] = {
     formatRow{"bbbb",                     numberKind::date    },
     formatRow{"[Magenta]yyyy",            numberKind::date    },
     formatRow{"mm",                       numberKind::date    },
+    formatRow{"aaa",                      numberKind::date    },
+    formatRow{"AAAA",                     numberKind::date    },
+    formatRow{"\\aaa",                    numberKind::number  },
     formatRow{"DD/MM/YY",                 numberKind::date    },
     formatRow{"yyyy\"\xE5\xB9\xB4\"",     numberKind::date    },
     formatRow{"h:mm",                     numberKind::time    },
@@ -209,8 +212,74 @@ const formatRow formatRows[] = {
 TEST(numberFormat, codes) {
   for (const formatRow& row : formatRows) {
     const testing::ScopedTrace trace(__FILE__, row.line, row.code);
-    EXPECT_EQ(converter::kindOfFormatCode(row.code), row.kind);
+    EXPECT_EQ(converter::numberFormat(row.code).kindOf(1), row.kind);
   }
+}
+
+struct sectionRow {
+  const char* code;
+  double value;
+  numberKind kind;
+  int line = __builtin_LINE();
+};
+
+const sectionRow sectionRows[] = {
+    sectionRow{"[<1]h:mm;dd.mm.yyyy",        0.5,   numberKind::time   },
+    sectionRow{"[<1]h:mm;dd.mm.yyyy",        1,     numberKind::date   },
+    sectionRow{"[<1]h:mm;dd.mm.yyyy;@",      45000, numberKind::date   },
+    sectionRow{"[>=100]dd.mm.yyyy;0.0",      100,   numberKind::date   },
+    sectionRow{"[>=100]dd.mm.yyyy;0.0",      99.9,  numberKind::number },
+    sectionRow{"[<=1]h:mm;yyyy",             1,     numberKind::time   },
+    sectionRow{"[<=1]h:mm;yyyy",             1.5,   numberKind::date   },
+    sectionRow{"[>1]yyyy;0",                 1,     numberKind::number },
+    sectionRow{"[>1]yyyy;0",                 1.5,   numberKind::date   },
+    sectionRow{"[=0]\"-\";yyyy",             0,     numberKind::number },
+    sectionRow{"[=0]\"-\";yyyy",             1,     numberKind::date   },
+    sectionRow{"[<>0]yyyy;0",                0,     numberKind::number },
+    sectionRow{"[<>0]yyyy;0",                -1,    numberKind::date   },
+    sectionRow{"[Red][<-1.5]0;[Blue]yyyy",   -2,    numberKind::number },
+    sectionRow{"[Red][<-1.5]0;[Blue]yyyy",   -1,    numberKind::date   },
+    sectionRow{"[>=100]yyyy",                100,   numberKind::date   },
+    sectionRow{"[>=100]yyyy",                5,     numberKind::number },
+    sectionRow{"[<1]h:mm;[<100][h]:mm;yyyy", 0.5,   numberKind::time   },
+    sectionRow{"[<1]h:mm;[<100][h]:mm;yyyy", 50,    numberKind::elapsed},
+    sectionRow{"[<1]h:mm;[<100][h]:mm;yyyy", 100,   numberKind::date   },
+    sectionRow{"[<1]h:mm;[>100]yyyy",        50,    numberKind::number },
+    sectionRow{"[<1]h:mm;[>100]yyyy",        101,   numberKind::date   },
+    sectionRow{"yyyy;[=0]h:mm",              0,     numberKind::time   },
+    sectionRow{"yyyy;[=0]h:mm",              1,     numberKind::date   },
+    sectionRow{"yyyy;[=0]h:mm",              -1,    numberKind::date   },
+    sectionRow{"[>5]yyyy;h:mm;0",            6,     numberKind::date   },
+    sectionRow{"[>5]yyyy;h:mm;0",            5,     numberKind::number },
+    sectionRow{"[>5]yyyy;h:mm;0",            -1,    numberKind::time   },
+    sectionRow{"yyyy;0",                     0,     numberKind::date   },
+    sectionRow{"yyyy;0",                     -1,    numberKind::number },
+    sectionRow{"yyyy;h:mm;0",                1,     numberKind::date   },
+    sectionRow{"yyyy;h:mm;0",                -1,    numberKind::time   },
+    sectionRow{"yyyy;h:mm;0",                0,     numberKind::number },
+    sectionRow{"yyyy;;",                     0,     numberKind::number },
+    sectionRow{"yyyy;@",                     -1,    numberKind::date   },
+    sectionRow{"yyyy;h:mm;@",                0,     numberKind::date   },
+    sectionRow{"0;0;0;yyyy",                 -1,    numberKind::number },
+    sectionRow{"yyyy\";\";0",                -1,    numberKind::number },
+    sectionRow{"yyyy\\;;0",                  -1,    numberKind::number },
+    sectionRow{"[a;b]yyyy;0",                -1,    numberKind::number },
+    sectionRow{"[<x]h:mm;yyyy",              5,     numberKind::time   },
+    sectionRow{"[<1x]h:mm;yyyy",             5,     numberKind::time   },
+};
+
+TEST(numberFormat, theSectionOfTheValueCounts) {
+  for (const sectionRow& row : sectionRows) {
+    const testing::ScopedTrace trace(__FILE__, row.line, row.code);
+    EXPECT_EQ(converter::numberFormat(row.code).kindOf(row.value), row.kind) << row.value;
+  }
+}
+
+TEST(numberFormat, plainAreThoseOfNumbersAlone) {
+  for (const char* const code : {"0.00", "[<1]0;0.0;General", ";;;@"})
+    EXPECT_TRUE(converter::numberFormat(code).isPlain()) << code;
+  for (const char* const code : {"yyyy", "yyyy;0", "0;yyyy", "0;yyyy;0", "0;0;yyyy"})
+    EXPECT_FALSE(converter::numberFormat(code).isPlain()) << code;
 }
 
 TEST(numberFormat, builtIn) {
@@ -246,9 +315,9 @@ TEST(numberFormat, aDefinitionTakesTheBuiltInsPlace) {
   formats.addStyle(20);
   formats.define(14, "0.00");
   formats.resolve();
-  EXPECT_EQ(formats.kindOfStyle(0), numberKind::number);
-  EXPECT_EQ(formats.kindOfStyle(1), numberKind::time);
-  EXPECT_EQ(formats.kindOfStyle(2), numberKind::number);
+  EXPECT_EQ(formats.ofStyle(0).kindOf(1), numberKind::number);
+  EXPECT_EQ(formats.ofStyle(1).kindOf(1), numberKind::time);
+  EXPECT_EQ(formats.ofStyle(2).kindOf(1), numberKind::number);
 }
 
 TEST(lineText, replacements) {

@@ -44,6 +44,17 @@ TEST(converterCommandLine, asTheReaderSendsIt) {
             "D:/my data/a b.xlsx > /tmp/ merged $ table=-delimiter headers=-1");
 }
 
+TEST(converterCommandLine, aSourceWithAQuotationMark) {
+  const tableRW::tableReaderOptions options(L"/data/q\"q.xlsx");
+  const std::string problem =
+      "problem: the quotation marks do not match: a source with one in its name cannot be read, "
+      "rename it";
+  EXPECT_EQ(parsed(tableRW::sheetListCommandLine(options.path, L"/tmp/")), problem);
+  EXPECT_EQ(parsed(tableRW::sheetCommandLine(options, false, L"/tmp/")), problem);
+  EXPECT_EQ(parsed(L"x \"/data/a -destFolder b.xlsx\" -destFolder /tmp/"),
+            "/data/a -destFolder b.xlsx > /tmp/ $");
+}
+
 struct argumentRow {
   std::vector<std::wstring> arguments;
   const char* expected;

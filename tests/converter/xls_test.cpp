@@ -314,6 +314,14 @@ TEST(xls, biff5Formats) {
             "2014-02-14\n");
 }
 
+TEST(xls, formatsWithSections) {
+  const std::string globals =
+      record(biff::format, le16(164) + latin("[<1]h:mm;dd.mm.yyyy")) + styles({164});
+  const std::string cells = number(0, 0, 45000.75) + number(0, 1, 0.75);
+  EXPECT_EQ(conversion().run(compoundOf("Workbook", biff8(globals, cells))),
+            "2023-03-15$18:00:00\n");
+}
+
 TEST(xls, streamsAreFoundInAnyLetters) {
   EXPECT_EQ(conversion().run(compoundOf("WORKBOOK", biff8("", number(0, 0, 1)))), "1\n");
   EXPECT_EQ(conversion().run(compoundOf("book", biff8("", number(0, 0, 1)))), "1\n");

@@ -6,6 +6,7 @@
 
 namespace {
 
+using namespace std::string_literals;
 using testSupport::conversion;
 using testSupport::xlsxBuilder;
 using testSupport::zipMembers;
@@ -71,6 +72,15 @@ const sheetRow sheetRows[] = {
     sheetRow{"an empty sheet", "", ""},
     sheetRow{"alternate content", "<mc:AlternateContent xmlns:mc='m'><mc:Choice><row><c><v>1</v></c></row></mc:Choice>"
              "<mc:Fallback><row><c><v>2</v></c></row></mc:Fallback></mc:AlternateContent>", "2\n"},
+    sheetRow{"what stands in an extension of a cell",
+             "<row><c><v>2</v><extLst><ext><v>77</v><is><t>x</t></is><c><v>7</v></c></ext></extLst></c><c><v>3</v></c></row>",
+             "2$3\n"},
+    sheetRow{"in that of inline text",
+             "<row><c t='inlineStr'><is><t>a</t><extLst><ext><t>x</t></ext></extLst></is></c></row>", "a\n"},
+    sheetRow{"in that of a row, and of all rows",
+             "<row><c><v>1</v></c><extLst><ext><c><v>7</v></c></ext></extLst></row>"
+             "<extLst><ext><row><c><v>8</v></c></row></ext></extLst><row><c><v>2</v></c></row>", "1\n2\n"},
+    sheetRow{"in that of a shared string", "<row><c t='s'><v>4</v></c></row>", "b\n"},
     sheetRow{"the last column", "<row><c r='XFD1'><v>1</v></c></row>", nullptr},
     sheetRow{"a row that is none", "<row r='0'><c><v>1</v></c></row>", "problem: the sheet is damaged: it has a row 0"},
     sheetRow{"a row behind the last", "<row r='1048577'><c><v>1</v></c></row>",
@@ -83,10 +93,10 @@ const sheetRow sheetRows[] = {
              "problem: the sheet is damaged: it has a cell A10000001"},
     sheetRow{"a reference that goes on", "<row><c r='A1x'><v>1</v></c></row>",
              "problem: the sheet is damaged: it has a cell A1x"},
-    sheetRow{"a shared string that does not exist", "<row r='7'><c r='AB7' t='s'><v>4</v></c></row>",
-             "problem: the sheet is damaged: cell AB7 refers to shared string 4 of 4"},
+    sheetRow{"a shared string that does not exist", "<row r='7'><c r='AB7' t='s'><v>5</v></c></row>",
+             "problem: the sheet is damaged: cell AB7 refers to shared string 5 of 5"},
     sheetRow{"a shared string of no number", "<row><c t='s'><v>-1</v></c></row>",
-             "problem: the sheet is damaged: cell A1 refers to shared string -1 of 4"},
+             "problem: the sheet is damaged: cell A1 refers to shared string -1 of 5"},
     sheetRow{"one cell in the last corner", "<row r='1048576'><c r='XFD1048576'><v>1</v></c></row>",
              "problem: the sheet has 1048576 rows and 16384 columns, but only 1 cells with a value: it is no table"},
     sheetRow{"cells in the first and the last corner",
@@ -100,7 +110,8 @@ xlsxBuilder bookWith(const std::string& rows, const std::string& behind = {}) {
   book.worksheet = "<sheetData>" + rows + "</sheetData>" + behind;
   book.sharedStrings =
       "<si><t>first</t></si><si><r><t>rich</t></r><r><t xml:space='preserve'> text</t></r></si>"
-      "<si><t>\xE6\xBC\xA2</t><rPh sb='0' eb='1'><t>kan</t></rPh><phoneticPr/></si><si/>";
+      "<si><t>\xE6\xBC\xA2</t><rPh sb='0' eb='1'><t>kan</t></rPh><phoneticPr/></si><si/>"
+      "<si><t>b</t><extLst><ext><t>x</t></ext></extLst></si>";
   book.formats = "<numFmt numFmtId='164' formatCode='dd.mm.yyyy\\ hh:mm'/>";
   book.styles = "<xf numFmtId='0'/><xf numFmtId='14'/><xf numFmtId='164'/><xf numFmtId='20'/>";
   return book;
@@ -134,6 +145,17 @@ TEST(xlsx, timesBetweenColons) {
   EXPECT_EQ(converting.run(
                 bookWith("<row><c s='3'><v>0.25</v></c><c s='1'><v>41684</v></c></row>").bytes()),
             "06" + colon + "00" + colon + "00:2014-02-14\n");
+}
+
+TEST(xlsx, formatsWithSections) {
+  xlsxBuilder book = bookWith(
+      "<row><c s='4'><v>45000.75</v></c><c s='4'><v>.75</v></c><c s='5'><v>5.0</v></c>"
+      "<c s='5'><v>45000</v></c><c s='5'><v>x</v></c></row>");
+  book.formats +=
+      "<numFmt numFmtId='165' formatCode='[&lt;1]h:mm;dd.mm.yyyy'/>"
+      "<numFmt numFmtId='166' formatCode='[&gt;=100]dd.mm.yyyy;0.0'/>";
+  book.styles += "<xf numFmtId='165'/><xf numFmtId='166'/>";
+  EXPECT_EQ(conversion().run(book.bytes()), "2023-03-15$18:00:00$5$2023-03-15$x\n");
 }
 
 // Conditional formats define theirs anew, and number them as they like.
@@ -179,6 +201,14 @@ TEST(xlsx, ofOverlappingRangesTheFirstCounts) {
       "ref='A9'/><mergeCell/></mergeCells>";
   EXPECT_EQ(copying.run(bookWith("<row><c><v>1</v></c><c><v>2</v></c></row>", ranges).bytes()),
             "1$1$\n1$1$\n1$1$\n");
+}
+
+TEST(xlsx, mergedCellsOfAnExtensionAreNone) {
+  conversion copying;
+  copying.request.copyMerged = true;
+  const std::string ranges =
+      "<extLst><ext><mergeCells><mergeCell ref='A1:B2'/></mergeCells></ext></extLst>";
+  EXPECT_EQ(copying.run(bookWith("<row><c><v>1</v></c></row>", ranges).bytes()), "1\n");
 }
 
 TEST(xlsx, aMergedSheetIsNoTable) {
@@ -237,6 +267,62 @@ TEST(xlsx, strictNamespacesAndPrefixes) {
         "<x:c t='s'><x:v>0</x:v></x:c></x:row></x:sheetData></x:worksheet>";
   }
   EXPECT_EQ(conversion().run(zipOf(members)), "first\n");
+}
+
+struct namespaceRow {
+  const char* name;
+  const char* root;
+  const char* rows;
+  const char* expected;
+  int line = __builtin_LINE();
+};
+
+// WHY: it would set the columns of this table hundreds of characters apart.
+// clang-format off
+const namespaceRow namespaceRows[] = {
+    {"a value by a prefix", "<worksheet xmlns='m'>",
+     "<row><c><y:v xmlns:y='y'>7</y:v><v>2</v></c><c><v>3</v></c></row>", "2$3\n"},
+    {"a value by a prefix of the root", "<worksheet xmlns='m' xmlns:y='y'>",
+     "<row><c><v>2</v><y:v>7</y:v></c></row>", "2\n"},
+    {"a value by another default", "<worksheet xmlns='m'>", "<row><c><v xmlns='y'>7</v><v>2</v></c></row>", "2\n"},
+    {"a row by another default", "<worksheet xmlns='m'>",
+     "<row xmlns=\"y\"><c><v>7</v></c></row><row><c><v>2</v></c></row>", "2\n"},
+    {"what stands in it", "<worksheet xmlns='m'>",
+     "<y:x xmlns:y='y'><row><c><v>7</v></c></row></y:x><row><c><v>2</v></c></row>", "2\n"},
+    {"the same namespace by a prefix", "<worksheet xmlns='m' xmlns:x='m'>", "<row><x:c><x:v>2</x:v></x:c></row>", "2\n"},
+    {"the same by a prefix that was another's", "<worksheet xmlns='m' xmlns:x='y'>",
+     "<row><x:c xmlns:x='m'><x:v>2</x:v></x:c><c><x:v>7</x:v><v>3</v></c></row>", "2$3\n"},
+    {"no namespace within one", "<worksheet xmlns='m'>", "<row xmlns=''><c><v>2</v></c></row>", "2\n"},
+    {"a prefix that is not declared", "<worksheet xmlns='m'>", "<row><c><y:v>2</y:v></c></row>", "2\n"},
+    {"a root without a namespace", "<worksheet>", "<row><c><y:v xmlns:y='y'>2</y:v></c></row>", "2\n"},
+    {"a name that begins like a declaration", "<worksheet xmlns='m' xmlnsy='y'>",
+     "<row><c><v>2</v></c></row>", "2\n"},
+    {"alternate content", "<worksheet xmlns='m' xmlns:mc='mc'>",
+     "<mc:AlternateContent><mc:Choice><row><c><v>7</v></c></row></mc:Choice>"
+     "<mc:Fallback><row><c><v>2</v></c></row></mc:Fallback></mc:AlternateContent>", "2\n"},
+};
+// clang-format on
+
+TEST(xlsx, elementsOfOtherNamespacesAreLeftOut) {
+  for (const namespaceRow& row : namespaceRows) {
+    const testing::ScopedTrace trace(__FILE__, row.line, row.name);
+    zipMembers members = bookWith("").members();
+    for (auto& [member, bytes] : members)
+      if (member == "xl/worksheets/sheet1.xml")
+        bytes = row.root + "<sheetData>"s + row.rows + "</sheetData></worksheet>";
+    EXPECT_EQ(conversion().run(zipOf(members)), row.expected);
+  }
+}
+
+TEST(xlsx, namespacesBehindTheFirstManyCountAsTheRoots) {
+  std::string rows;
+  for (int i = 0; i < 70; ++i) rows += " xmlns:y" + std::to_string(i) + "='y'";
+  rows = "<row" + rows + "><c><y9:v>7</y9:v><y69:v>2</y69:v></c></row>";
+  zipMembers members = bookWith("").members();
+  for (auto& [member, bytes] : members)
+    if (member == "xl/worksheets/sheet1.xml")
+      bytes = "<worksheet xmlns='m'><sheetData>" + rows + "</sheetData></worksheet>";
+  EXPECT_EQ(conversion().run(zipOf(members)), "2\n");
 }
 
 TEST(xlsx, targetsWithTheOtherSeparator) {

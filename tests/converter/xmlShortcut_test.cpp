@@ -84,8 +84,9 @@ class documentMaker {
               ((isShared ? isRare() : number(3) == 0) ? text() : std::to_string(number(4))) +
               "</v>";
     if (isRare())
-      made += oneOf<std::string>(
-          {"<v>2</v>", "<v/>", "<extLst/>", "<!-- <v>1</v> -->", "<![CDATA[1]]>", "<?x?>"});
+      made += oneOf<std::string>({"<v>2</v>", "<v/>", "<y:v xmlns:y=\"y\">7</y:v>", "<extLst/>",
+                                  "<extLst><v>7</v></extLst>", "<!-- <v>1</v> -->", "<![CDATA[1]]>",
+                                  "<?x?>"});
     return made + blanks() + "</c>";
   }
   std::string row() {
@@ -94,7 +95,7 @@ class documentMaker {
       made += attribute("r", isRare() ? oneOf<std::string>({"0", "x", "1048577", "4294967297"})
                                       : std::to_string(number(9) + 1));
     if (isRare())
-      made += attribute(oneOf<std::string>({"spans", "ht", "r", "x14ac:dyDescent"}),
+      made += attribute(oneOf<std::string>({"spans", "ht", "r", "x14ac:dyDescent", "xmlns"}),
                         oneOf<std::string>({"1:3", "2"}));
     if (isRare()) return made + "/>";
     made += ">";
@@ -112,8 +113,8 @@ class documentMaker {
 
   std::string sheet() {
     rarity_ = oneOf<std::size_t>({8, 20, 60, 200});
-    std::string made =
-        prolog() + "<worksheet><sheetData" + oneOf<std::string>({">", ">", ">", " >", " a=\"b\">"});
+    std::string made = prolog() + oneOf<std::string>({"<worksheet>", "<worksheet xmlns=\"m\">"}) +
+                       "<sheetData" + oneOf<std::string>({">", ">", ">", " >", " a=\"b\">"});
     for (std::size_t i = number(12); i > 0; --i) {
       made += row();
       if (isRare()) made += oneOf(betweenRows);
@@ -253,6 +254,9 @@ const plainCase plainCases[] = {
      true                                                                                                                 },
     {"inline text with single quotes",
      R"(<row r="2"><c r="A2" t="inlineStr"><is><t xml:space='preserve'>a</t></is></c></row>)",                       false},
+    {"an extension of a cell",
+     R"(<row r="2"><c r="A2"><v>2</v><extLst><ext><v>77</v></ext></extLst></c></row>)",                              false},
+    {"another namespace",                      R"(<row r="2" xmlns="y"><c r="A2"><v>1</v></c></row>)",               false},
     {"a prefix",                               R"(<x:row r="2"><x:c r="A2"><x:v>1</x:v></x:c></x:row>)",             false},
     {"a cell twice",                           R"(<row r="2"><c r="A2" r="A2"><v>1</v></c></row>)",                  false},
 };

@@ -456,7 +456,7 @@ SQLRETURN SQL_API SQLGetDiagRec(SQLSMALLINT, SQLHANDLE handle, SQLSMALLINT recor
                                 SQLSMALLINT* length) {
   const auto& source = *static_cast<diagnosed*>(handle);
   if (record > source.messages || source.problem.empty()) return SQL_NO_DATA;
-  if (state != nullptr) std::memcpy(state, record == 1 ? "HY000" : "\0\0\0\0\0", 6);
+  if (state != nullptr) std::memcpy(state, record == 1 ? "HY000" : "     ", 6);
   if (native != nullptr) *native = 1;
   put(record == 1 ? source.problem : "more " + std::to_string(record), text, room, length);
   return SQL_SUCCESS;

@@ -404,6 +404,23 @@ TEST_F(files, foldersOneLevelAtATime) {
   EXPECT_EQ(readFile(folder_.file(L"file")), "x");
 }
 
+TEST_F(files, aFolderGoesWithItsFiles) {
+  const std::wstring own = folder_.file(L"own \x0416");
+  EXPECT_TRUE(platform::createPrivateFolder(own));
+  EXPECT_FALSE(platform::createPrivateFolder(own)) << "exists";
+  EXPECT_FALSE(platform::createPrivateFolder(folder_.file(L"gone/own"))) << "the parent is missing";
+  writeFile(own + L"/a", "x");
+  writeFile(own + L"/\x0416 b.csv", "x");
+  EXPECT_TRUE(platform::removeFolderAndFiles(own));
+  EXPECT_FALSE(platform::folderExists(own));
+  EXPECT_FALSE(platform::removeFolderAndFiles(own)) << "already gone";
+  ASSERT_TRUE(platform::createFolder(own));
+  ASSERT_TRUE(platform::createFolder(own + L"/inner"));
+  writeFile(own + L"/inner/kept", "x");
+  EXPECT_FALSE(platform::removeFolderAndFiles(own));
+  EXPECT_EQ(readFile(own + L"/inner/kept"), "x");
+}
+
 TEST_F(files, aPathForLibrariesThatTakeItNarrow) {
   EXPECT_EQ(platform::utf8Path(L""), "");
   EXPECT_EQ(platform::utf8Path(L"a\\b/c"), "a/b/c");

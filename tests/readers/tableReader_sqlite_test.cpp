@@ -159,6 +159,28 @@ TEST_F(sqliteReader, aTableNameWithABlankHasFieldsAlone) {
   EXPECT_TRUE(reader.readOnlyHeaders());
 }
 
+// Bare in a statement each of these would be another table, or this one under another name.
+TEST_F(sqliteReader, aNameThatBeginsWithAnotherTablesIsNotThatTable) {
+  sqliteDatabase database(path_);
+  database.run("CREATE TABLE wells(a, b); INSERT INTO wells VALUES('of wells', 1)");
+  for (const std::string name :
+       {"wells new", "wells;old", "wells--old", "wells/*old", "main.wells", "wells\told", "[wells]",
+        "(wells)", "wells as w", "wells where 1", "wells,wells"}) {
+    database.run("CREATE TABLE \"" + name + "\"(a, c); INSERT INTO \"" + name +
+                 "\" VALUES('its own', 2)");
+    tableReader_sqlite reader(options(testSupport::wide(name)));
+    EXPECT_FALSE(reader.read()) << name;
+    EXPECT_EQ(describe(reader), "fields a|c  ok") << name;
+  }
+  for (const std::string name : {"wells_2", "Wells$", "\xD0\x96_", "wells\xC2\xA0new"}) {
+    database.run("CREATE TABLE \"" + name + "\"(a); INSERT INTO \"" + name +
+                 "\" VALUES('its own')");
+    tableReader_sqlite reader(options(testSupport::wide(name)));
+    EXPECT_TRUE(reader.read()) << name;
+    EXPECT_EQ(describe(reader), "fields a  rows its own  ok") << name;
+  }
+}
+
 TEST_F(sqliteReader, aTableNameWithASemicolonHasFieldsAlone) {
   tableReader_sqlite reader(options(L"semi;colon"));
   EXPECT_FALSE(reader.read());

@@ -271,6 +271,32 @@ TEST_F(xlsOdbcReader, listsTablesWithoutTheDatabasesOwn) {
   EXPECT_EQ(describe(list), "Order Details");
 }
 
+// Drivers would take what is missing for the end of a table.
+TEST_F(xlsOdbcReader, anAccessDatabaseThatIsCutIsRefused) {
+  const struct {
+    const char* name;
+    char version;
+    std::size_t size;
+    bool isWhole;
+  } rows[] = {
+      {"Standard Jet DB", '\0', 2048 * 3,     true },
+      {"Standard Jet DB", '\0', 2048 * 3 - 1, false},
+      {"Standard Jet DB", '\1', 4096 * 2,     true },
+      {"Standard Jet DB", '\1', 2048 * 3,     false},
+      {"Standard ACE DB", '\2', 4096,         true },
+      {"Standard ACE DB", '\2', 4097,         false},
+      {"Nobody's own DB", '\1', 4097,         true },
+  };
+  for (const auto& row : rows) {
+    std::string lines = std::string("\0\1\0\0", 4) + row.name + '\0' + row.version +
+                        "\ntable\tt\tTABLE\nfields\ta:12\nrow\tx\n";
+    lines.resize(row.size, '\n');
+    const odbcScript file = base(lines);
+    EXPECT_EQ(read(file, 0, 1), row.isWhole ? "true: fields a  rows x  ok" : "false: failed")
+        << row.name << row.size;
+  }
+}
+
 TEST_F(xlsOdbcReader, withoutANameTheFirstTableIsRead) {
   const std::string lines =
       "table\tMSysObjects\tSYSTEM TABLE\nfields\ta:12\n"

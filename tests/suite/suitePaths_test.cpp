@@ -17,11 +17,34 @@ namespace {
 
 using testSupport::printable;
 
-// Every test leaves the running executable behind as the main module.
+// Every test leaves the running executable behind as the main module, and the system's temporary folder.
 class suitePaths : public testing::Test {
  protected:
-  void TearDown() override { vo_options_set_main_module_path(nullptr); }
+  void TearDown() override {
+    vo_options_set_main_module_path(nullptr);
+    vo_options_set_temp_wpath(nullptr);
+  }
 };
+
+TEST_F(suitePaths, aHostChoosesTheTemporaryFolder) {
+  const std::wstring systems = vo_options_get_temp_wpath();
+  const struct {
+    const wchar_t* chosen;
+    std::wstring folder;
+  } rows[] = {
+      {L"/var/own",       L"/var/own/"      },
+      {L"/var/own/",      L"/var/own/"      },
+      {L"D:\\own\\",      L"D:\\own\\"      },
+      {L"D:\\own \x0416", L"D:\\own \x0416/"},
+      {nullptr,           systems           },
+      {L"/",              L"/"              },
+      {L"",               systems           },
+  };
+  for (const auto& row : rows) {
+    vo_options_set_temp_wpath(row.chosen);
+    EXPECT_EQ(printable(vo_options_get_temp_wpath()), printable(row.folder));
+  }
+}
 
 TEST_F(suitePaths, theMainModuleIsTheRunningExecutable) {
   const std::wstring path = vo_options_get_main_module_path();

@@ -73,6 +73,11 @@ def lossy(name, source, target, reason, *options):
          ["both the source and the target"], 2, AB),
     Case("target is the source, with the other separator", ["convert", "d/t.csv", "d\\t.csv", "--force"], "",
          ["both the source and the target"], 2, {"d/t.csv": "a\n1\n"}),
+    *(Case(f"target of an extension that means another format: {extension}", ["convert", "t.csv", f"d/OUT.{extension}"], "",
+           [f"error: cannot write d/OUT.{extension}: writing its format is not in this version\n"], 4,
+           {**AB, "d/x": ""})
+      for extension in ("xlsm", "XLSB", "xltx", "xltm", "xlt", "ods", "fods", "db", "db3", "sqlite3", "gpkg", "mde",
+                        "accde")),
     Case("target of a format that is only read", ["convert", "t.csv", "out.mdb"], "",
          ["error: cannot write out.mdb: writing its format is not in this version\n"], 4, AB),
     Case("target is a folder", ["convert", "t.csv", "out.csv", "--force"], "",

@@ -10,7 +10,7 @@ import sys
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
 from databases import database  # noqa: E402
-from tool_cases import CaseTest, main, run_tool  # noqa: E402
+from tool_cases import CaseTest, main, posix_only, run_tool, skip_for_windows  # noqa: E402
 
 try:
     import dbfread
@@ -23,6 +23,7 @@ except ImportError:
 
 WELLS = "WELL;DEPTH;DAY;ID;NOTE\n101;1250.5;2024-02-29;007;Жила\n102;-98;1999-12-31;010;\n103;;;1e5;a,b\n"
 PAGE = ["--system-encoding", "CP1251"]
+UTF8 = ["--system-encoding", "UTF-8"]
 
 
 class Conversion(CaseTest):
@@ -92,7 +93,7 @@ class Conversion(CaseTest):
     def test_a_code_page_file_that_cannot_be_replaced(self):
         self.write({"t.csv": "A\nЖила\n"})
         os.mkdir(self.path("out.cpg"))
-        run = run_tool("convert", "t.csv", "out.dbf", "--system-encoding", "UTF-8", cwd=self.folder)
+        run = run_tool("convert", "t.csv", "out.dbf", "--force", "--system-encoding", "UTF-8", cwd=self.folder)
         self.assertEqual(run.code, 5)
         self.assertIn("out.dbf was written, but the .cpg file beside it", run.err)
         self.assertEqual(sorted(os.listdir(self.folder)), ["out.cpg", "out.dbf", "t.csv"])
@@ -100,6 +101,50 @@ class Conversion(CaseTest):
         run = run_tool("convert", "t.csv", "out.dbf", "--force", "--system-encoding", "CP866", cwd=self.folder)
         self.assertEqual(run.code, 5)
         self.assertIn("out.dbf was written, but the .cpg file beside it", run.err)
+
+    def test_a_code_page_file_that_is_there(self):
+        problem = ("vok_table: error: {} exists already, and tells the code page of a table with the target's name: "
+                   "name another target, or replace it with --force\n")
+        for page in ("UTF-8", "CP1251"):
+            files = {"t.csv": b"A\n1\n", "out.cpg": b"CP1251\n"}
+            self.write(files)
+            run = run_tool("convert", "t.csv", "out.dbf", "--system-encoding", page, cwd=self.folder)
+            self.assertEqual((run.code, run.err, self.content()), (5, problem.format("out.cpg"), files))
+            run = run_tool("convert", "t.csv", ".", "--all-tables", "--to", "dbf", *UTF8, cwd=self.folder)
+            self.assertEqual((run.code, sorted(self.content())), (0, ["out.cpg", "t.cpg", "t.csv", "t.dbf"]), run.err)
+            os.remove(self.path("t.dbf"))
+            run = run_tool("convert", "t.csv", ".", "--all-tables", "--to", "dbf", *UTF8, cwd=self.folder)
+            self.assertEqual((run.code, run.err), (5, problem.format("./t.cpg")))
+            os.remove(self.path("t.cpg"))
+            run = run_tool("convert", "t.csv", "out.dbf", "--system-encoding", page, "--force", cwd=self.folder)
+            self.assertEqual((run.code, run.err), (0, ""))
+            self.assertEqual(self.content().get("out.cpg"), b"UTF-8" if page == "UTF-8" else None)
+            os.remove(self.path("out.dbf"))
+
+    def test_a_code_page_file_that_is_needed_otherwise(self):
+        self.write({"t.cpg": "A\n1\n2;3\n", "d/x": ""})
+        for source, target, more, role in (
+                ("t.cpg", "t.dbf", [], "the source"), ("d/../t.cpg", "t.dbf", ["--force"], "the source"),
+                ("t.cpg", "o.dbf", ["--rejects", "o.cpg"], "the file for rejected lines"),
+                ("t.cpg", "o.dbf", ["--rejects", "./O.cpg", "--force"], "the file for rejected lines")):
+            with self.subTest(more=more, target=target):
+                run = run_tool("convert", source, target, *PAGE, *more, cwd=self.folder)
+                self.assertEqual((run.code, run.err),
+                                 (2, f"vok_table: error: {target[0]}.cpg tells the code page of {target} and cannot "
+                                     f"be {role} too: name another target\n"))
+        self.assertEqual(self.content(), {"t.cpg": b"A\n1\n2;3\n", "d/x": b""})
+        run = run_tool("convert", "t.cpg", "t.csv", "--rejects", "o.cpg", cwd=self.folder)
+        self.assertEqual((run.code, self.content()["o.cpg"]), (1, b"2;3\n"), run.err)
+
+    @posix_only
+    @skip_for_windows("its converter is no script of this system")
+    def test_a_code_page_file_that_appears_meanwhile(self):
+        self.write({"t.xlsx": "", "vok_xls2csv.exe": "#!/bin/sh\nprintf 'A\\n1\\n' > \"$3/t.csv\"; echo new > o.cpg\n"})
+        os.chmod(self.path("vok_xls2csv.exe"), 0o755)
+        run = self.run_copy("convert", "t.xlsx", "o.dbf")
+        self.assertEqual((run.code, self.content()["o.cpg"]), (5, b"new\n"), run.err)
+        self.assertIn("error: o.cpg exists already", run.err)
+        self.assertNotIn("o.dbf", self.content())
 
     def test_fields_may_be_named(self):
         run = self.convert(WELLS, "--fields", "DEPTH=N10.2, WELL=c20,DAY=C10")
@@ -179,6 +224,23 @@ class Conversion(CaseTest):
             self.assertEqual(run.code, 1, named)
             self.assertIn("row 1, field \"A\": " + reason, run.err)
             self.assertEqual(self.cat(), f"A\n{stored}\n")
+
+    def test_names_of_which_nothing_is_left(self):
+        run = self.convert("Ъ;Ы\n1;2\n")
+        self.assertEqual((run.code, self.fields()), (1, ["FIELD1 N1.0", "Y N1.0"]))
+        self.assertEqual(run.err, 'vok_table: warning: 1 value will not be read back unchanged from out.dbf:\n  the header, '
+                                  'field "Ъ": nothing of the name is left in Latin letters, and it gets another\n')
+
+    def test_options_without_an_effect(self):
+        self.convert("A\nЖ\n")
+        for option, value in (("--encoding", "CP866"), ("--delimiter", ","), ("--quote", "'"), ("--header-row", "2"),
+                              ("--data-row", "3")):
+            run = run_tool("cat", "out.dbf", *PAGE, option, value, cwd=self.folder)
+            self.assertEqual((run.code, run.out.decode("utf-8")), (0, "A\nЖ\n"))
+            self.assertEqual(run.err, f"vok_table: hint: {option} has no effect on out.dbf\n")
+        run = run_tool("cat", "out.dbf", *PAGE, "--encoding", "UTF-8", "--json", cwd=self.folder)
+        self.assertEqual([message["text"] for message in json.loads(run.out)["messages"]],
+                         ["--encoding has no effect on out.dbf"])
 
     def test_a_name_that_another_one_becomes(self):
         for names, stored in (("A B;A_B", "A_B|A_B_1"), ("1A;_1A", "_1A|_1A_1")):

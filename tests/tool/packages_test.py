@@ -69,6 +69,22 @@ class Petrel(PackageCase):
         self.assertEqual(self.lines("count", "tops.csv", "--type", "petrel"), ["3"])
         self.assertEqual(self.lines("tables", "tops.csv", "--type", "petrel"), ["petrel"])
 
+    def test_options_without_an_effect(self):
+        self.write({"tops": TOPS})
+        for more in ([], ["--type", "petrel"]):
+            run = run_tool("count", "tops", *more, "--encoding", "CP1251", "--header-row", "2", cwd=self.folder)
+            self.assertEqual((run.code, run.out, run.err),
+                             (0, b"3\n", "vok_table: hint: --header-row has no effect on tops\n"))
+
+    def test_a_file_without_fields(self):
+        self.write({"t.csv": "a;b\n1;2\n", "t.txt": "# Petrel well tops\nBEGIN HEADER\nEND HEADER\n"})
+        for command in (["cat", "t.csv", "--type", "petrel"], ["fields", "t.csv", "--type", "petrel"],
+                        ["cat", "t.csv", "--type", "petrel", "--table", "petrel"], ["cat", "t.txt"]):
+            run = run_tool(*command, cwd=self.folder)
+            self.assertEqual((run.code, run.out, run.err),
+                             (3, b"", f"vok_table: error: cannot read {command[1]} as a Petrel text table: it has no "
+                                      "fields; check the file and --type\n"))
+
     def test_a_preview_is_as_long_as_asked_for(self):
         self.write({"tops": TOPS})
         self.assertEqual(self.lines("head", "tops", "-n", "2"), ["Well\tMD", "P 1\t1200.5", "P 2\t"])

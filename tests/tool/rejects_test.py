@@ -74,13 +74,18 @@ class Report(CaseTest):
     Case("the target", ["convert", "t.csv", "out.csv", "--rejects", "out.csv", "--force"], "",
          ["error: out.csv is both the target and the file for rejected lines: name another one\n"], 2, REJECTED),
     Case("the target by another name", ["convert", "t.csv", "out.csv", "--rejects", "./out.csv", "--force"], "",
-         ["error: ./out.csv is both the target and the file for rejected lines"], 2, REJECTED,
-         {**REJECTED, "out.csv": WRITTEN}),
+         ["error: ./out.csv is both the target and the file for rejected lines"], 2, REJECTED),
+    Case("the target by another folder's name", ["convert", "t.csv", "d/out.csv", "--rejects", "d/../d//OUT.csv"], "",
+         ["error: d/../d//OUT.csv is both the target and the file for rejected lines"], 2, {**REJECTED, "d/x": ""}),
+    Case("the target's name in another folder", ["convert", "t.csv", "out.csv", "--rejects", "d/out.csv"], "",
+         LOST, 1, {**REJECTED, "d/x": ""},
+         {**REJECTED, "d/x": "", "out.csv": WRITTEN, "d/out.csv": b"3\r\n4;5;6\r\n"}),
+    Case("an old target stays", ["convert", "t.csv", "out.csv", "--rejects", "no/bad.csv", "--force"], "",
+         ["error: cannot write no/bad.csv: check that its folder exists"], 5, {**REJECTED, "out.csv": "old"}),
     Case("a folder", ["convert", "t.csv", "out.csv", "--rejects", "d"], "", ["cannot write d: it is a folder"], 5,
          {**REJECTED, "d/x": ""}),
     Case("a folder that is missing", ["convert", "t.csv", "out.csv", "--rejects", "no/bad.csv"], "",
-         ["error: cannot write no/bad.csv: check that its folder exists"], 5, REJECTED,
-         {**REJECTED, "out.csv": WRITTEN}),
+         ["error: cannot write no/bad.csv: check that its folder exists"], 5, REJECTED),
     Case("no name", ["convert", "t.csv", "out.csv", "--rejects", ""], "", ["is empty: give it behind --rejects"], 2,
          REJECTED),
     Case("nothing is kept when nothing is written", [*CONVERT, "--strict"], "", ["nothing was written"], 5,
@@ -93,25 +98,36 @@ class Rejects(CaseTest):
         run = run_tool(*CONVERT, cwd=self.folder)
         self.assertEqual((run.code, self.content()["bad.csv"]), (1, line + line))
 
+    def start(self, files, begun):
+        """Starts the conversion and waits until so many files with temporary names are there."""
+        self.write(files)
+        tool = subprocess.Popen([*Settings.tool, *CONVERT], cwd=self.folder, stdin=subprocess.DEVNULL,
+                                stderr=subprocess.PIPE)
+        while tool.poll() is None and sum(name.startswith("~vok_table") for name in os.listdir(self.folder)) < begun:
+            time.sleep(0.001)
+        return tool
+
     @posix_only
     @skip_for_windows("signals of this system")
     def test_interrupted(self):
-        # The target is whole by then and stays.
-        self.write({"t.csv": b"a;b\n1;2\n" + b"3\n" * 1000000})
-
-        def has_begun():
-            names = os.listdir(self.folder)
-            return "out.csv" in names and any(name.startswith("~vok_table") for name in names)
-        with subprocess.Popen([*Settings.tool, *CONVERT], cwd=self.folder, stdin=subprocess.DEVNULL,
-                              stderr=subprocess.PIPE) as tool:
-            while tool.poll() is None and not has_begun():
-                time.sleep(0.001)
+        # Nothing is written yet.
+        with self.start({"t.csv": b"a;b\n1;2\n" + b"3\n" * 1000000}, begun=1) as tool:
             tool.send_signal(signal.SIGINT)
             message = tool.stderr.read().decode("utf-8")
         self.assertEqual(tool.returncode, 5)
         self.assertTrue(message.startswith("vok_table: error: interrupted: bad.csv was not written\n"), message)
-        self.assertEqual(sorted(os.listdir(self.folder)), ["out.csv", "t.csv"])
-        self.assertEqual(self.content()["out.csv"], b"a;b\r\n1;2\r\n")
+        self.assertEqual(os.listdir(self.folder), ["t.csv"])
+
+    @posix_only
+    @skip_for_windows("its program starts too slowly to be met at work")
+    def test_file_that_appears_meanwhile(self):
+        with self.start({"t.csv": b"a;b\n3\n" + b"1;2\n" * 1000000}, begun=2) as tool:
+            self.write({"bad.csv": "new"})
+            message = tool.stderr.read().decode("utf-8")
+        self.assertEqual(tool.returncode, 5)
+        self.assertTrue(message.startswith(f"vok_table: {EXISTS}"), message)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["bad.csv", "out.csv", "t.csv"])
+        self.assertEqual(self.content()["bad.csv"], b"new")
 
     def test_what_is_kept_can_be_read_again(self):
         self.write(REJECTED)
@@ -155,6 +171,14 @@ class OtherConverter(CaseTest):
         self.assertEqual(self.content()["out.csv"], b"a;b\r\n1;2\r\n")
 
     @skip_for_windows("its converter is no script of this system")
+    def test_rejects_that_appear_while_the_source_is_read(self):
+        self.convert_to("printf 'a$b\\n1$2\\n3\\n'; echo new > bad.csv")
+        run = self.run_copy("convert", "t.xlsx", "out.csv", "--rejects", "bad.csv")
+        self.assertEqual((run.code, self.content()["bad.csv"]), (5, b"new\n"), run.err)
+        self.assertIn(EXISTS, run.err)
+        self.assertNotIn("out.csv", self.content())
+
+    @skip_for_windows("its converter is no script of this system")
     def test_rejects_that_cannot_be_written(self):
         def limit_file_size():
             import resource
@@ -168,7 +192,7 @@ class OtherConverter(CaseTest):
         run = self.run_copy("convert", "t.xlsx", "out.csv", "--rejects", "bad.csv", "--force", preexec_fn=limit_file_size)
         self.assertEqual(run.code, 5)
         self.assertIn("cannot write bad.csv: check that its folder exists, may be written to and has room", run.err)
-        self.assertEqual(sorted(os.listdir(self.folder)), ["out.csv", "t.xlsx", "vok_table", "vok_xls2csv.exe"])
+        self.assertEqual(sorted(os.listdir(self.folder)), ["t.xlsx", "vok_table", "vok_xls2csv.exe"])
 
 
 if __name__ == "__main__":

@@ -165,16 +165,49 @@ class Generated(SqliteCase):
         run = self.tool("tables", "t.sqlite")
         self.assertEqual((run.out, run.err), (b"", ""))
 
+    LOCKED = ("vok_table: error: cannot read t.sqlite: another program has it locked, or it is damaged; close programs "
+              "that use it and try again\n")
+
     def test_a_database_that_another_program_has_locked(self):
         if Settings.is_windows():
             self.skipTest("this program's locks are those of another system")
         database = sqlite3.connect(self.path("t.sqlite"), isolation_level=None)
         database.executescript("CREATE TABLE t(a); BEGIN EXCLUSIVE")
-        run = self.tool("tables", "t.sqlite", code=3)
+        for command in (["tables", "t.sqlite"], ["cat", "t.sqlite", "--table", "t"]):
+            run = self.tool(*command, code=3)
+            self.assertEqual((run.out, run.err), (b"", self.LOCKED))
         database.close()
-        self.assertEqual(run.out, b"")
-        self.assertIn("cannot read t.sqlite", run.err)
         self.assertEqual(self.tool("tables", "t.sqlite").out, b"t\n")
+
+    def test_a_database_that_is_damaged(self):
+        whole = database(("t", "a", [["x" * 5000]]))
+        for content in (whole[:-100], whole[:16] + b"\xFF" * (len(whole) - 16)):
+            for journal in ({}, {"t.sqlite-journal": b""}, {"t.sqlite-journal": b"\0" * 512}):
+                self.write({"t.sqlite": content, **journal})
+                for command in (["tables", "t.sqlite"], ["cat", "t.sqlite", "--table", "t"]):
+                    self.assertEqual(self.tool(*command, code=3).err, self.LOCKED)
+
+    def test_changes_that_are_not_finished(self):
+        changing = sqlite3.connect(self.path("of.sqlite"), isolation_level=None)
+        changing.executescript("CREATE TABLE t(a); PRAGMA cache_size=5")
+        changing.executemany("INSERT INTO t VALUES(?)", [["x" * 500]] * 500)
+        changing.executescript("BEGIN; UPDATE t SET a = 'y' || a")
+        left = {name.replace("of.", "t."): content for name, content in self.content().items()}
+        changing.close()
+        self.assertIn("t.sqlite-journal", left)
+        self.write(left)
+        for command in (["tables", "t.sqlite"], ["cat", "t.sqlite", "--table", "t"]):
+            run = self.tool(*command, code=3)
+            self.assertEqual((run.out, run.err),
+                             (b"", "vok_table: error: cannot read t.sqlite: the changes in t.sqlite-journal are not "
+                                   "finished: another program is writing them, or broke off; let one that may write "
+                                   "the database open it\n"))
+        self.assertEqual({name: self.content()[name] for name in left}, left)
+        # That is what such a program does.
+        again = sqlite3.connect(self.path("t.sqlite"))
+        self.assertEqual(again.execute("SELECT count(*) FROM t WHERE a LIKE 'x%'").fetchone(), (500,))
+        again.close()
+        self.assertEqual(self.tool("count", "t.sqlite", "--table", "t").out, b"500\n")
 
     def test_a_missing_file_is_not_created(self):
         run = self.tool("cat", "t.sqlite", "--table", "t", code=3)

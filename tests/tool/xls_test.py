@@ -6,8 +6,10 @@ names, are compared cell by cell with what openpyxl and xlrd read; without the f
 is skipped. Which differences are right and why: docs/formats/xlsx.md and xls.md.
 """
 import os
+import signal
 import subprocess
 import sys
+import time
 import unittest
 import zipfile
 
@@ -15,11 +17,13 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "support"))
 import displayed_workbooks  # noqa: E402
 import real_workbooks  # noqa: E402
-from tool_cases import Case, CaseTest, Settings, cases, main, run_tool  # noqa: E402
+from tool_cases import Case, CaseTest, Settings, cases, main, posix_only, run_tool, skip_for_windows  # noqa: E402
 from workbooks import book, cell, sheet  # noqa: E402
 
 SIMPLE = sheet("<row><c t='str'><v>a</v></c><c t='str'><v>b</v></c></row><row><c><v>1</v></c><c><v>2</v></c></row>")
 AB = {"t.xlsx": book({"One": SIMPLE, "Два": sheet("<row><c><v>7</v></c></row>")})}
+ONE = {"t.xlsx": book({"One": SIMPLE})}
+NO_LINE = "error: cannot read t.xlsx: the sheet has no line 30; check --header-row\n"
 DAMAGED = {"t.xlsx": b"PK\x03\x04 and nothing more"}
 NOT_CONVERTED = "cannot read t.xlsx"
 
@@ -36,6 +40,14 @@ NOT_CONVERTED = "cannot read t.xlsx"
     Case("convert", ["convert", "t.xlsx", "out.csv"], files=AB,
          leaves={**AB, "out.csv": b"a;b\r\n1;2\r\n"}),
     Case("a macro workbook", ["head", "t.xlsm"], "a\tb\n1\t2\n", files={"t.xlsm": AB["t.xlsx"]}),
+    Case("fields without a header row", ["fields", "t.xlsx", "--header-row", "none"], "field_0\ttext\nfield_1\ttext\n",
+         files=AB),
+    Case("fields of another header row", ["fields", "t.xlsx", "--header-row", "2"], "1\ttext\n2\ttext\n", files=AB),
+    *(Case(f"{command[0]} with a header row behind the sheet's end", [*command, "--header-row", "30"], "",
+           [NO_LINE, "hint: name one of its tables with --table: One, Два\n"], 3, AB)
+      for command in (["fields", "t.xlsx"], ["cat", "t.xlsx"])),
+    Case("options of text", ["cat", "t.xlsx", "--encoding", "UTF-8", "--header-row", "2"], "1\t2\n",
+         ["hint: --encoding has no effect on t.xlsx\n"], files=AB),
     Case("an unknown sheet", ["head", "t.xlsx", "--table", "Three"], "", [NOT_CONVERTED, '"Three"'], 3, AB),
     Case("tables of a damaged workbook", ["tables", "t.xlsx"], "", [NOT_CONVERTED], 3, DAMAGED),
     Case("head of a damaged workbook", ["head", "t.xlsx"], "", [NOT_CONVERTED], 3, DAMAGED),
@@ -43,7 +55,11 @@ NOT_CONVERTED = "cannot read t.xlsx"
     Case("a renamed text file", ["head", "t.xlsx"], "", [NOT_CONVERTED], 3, {"t.xlsx": "a;b\n1;2\n"}),
 )
 class TestTool(CaseTest):
-    pass
+    def test_no_other_sheet_is_proposed_for_a_wrong_line(self):
+        for files, options in ((AB, ["--table", "Два"]), (ONE, [])):
+            self.write(files)
+            run = run_tool("cat", "t.xlsx", "--header-row", "30", *options, cwd=self.folder)
+            self.assertEqual((run.code, run.err), (3, "vok_table: " + NO_LINE))
 
 
 LOCKED = b"\x09\x08\x10\0\0\x06\x05\0" + b"\0" * 12 + b"\x2F\0\2\0\0\0"  # a BIFF stream with a password
@@ -68,6 +84,74 @@ class TestTemporaryFolder(unittest.TestCase):
                     self.assertEqual(run.code, code, run.err)
                     left = [name for name in os.listdir(folder) if not name.startswith("wine-")]  # Wine's own
                     self.assertEqual(left, [])
+
+
+class TestFolderOfItsOwn(CaseTest):
+    """The converter leaves the sheet under the workbook's name: not among the files of others."""
+
+    def temporary(self):
+        folder = self.path("temp")
+        os.makedirs(folder, exist_ok=True)
+        seen = "Z:" + folder.replace("/", "\\") if Settings.is_windows() and folder.startswith("/") else folder
+        return {"TMPDIR": folder, "TMP": seen, "TEMP": seen}
+
+    def test_files_of_that_name_stay(self):
+        environment = self.temporary()
+        names = ["t.csv", "t.csv.lines", "t_tabList.csv", "t.xlsx", "t.xls"]
+        self.write({f"temp/{name}": b"the user's own" for name in names})
+        self.write({"t.xlsx": AB["t.xlsx"], "t.xls": AB["t.xlsx"]})
+        for command in (["cat", "t.xlsx"], ["tables", "t.xlsx"], ["count", "t.xls"], ["doctor", "t.xlsx"],
+                        ["errors", "t.xlsx"], ["fields", "t.xlsx", "--table", "no such sheet"]):
+            run_tool(*command, cwd=self.folder, env=environment)
+            self.assertEqual({name: content for name, content in self.content().items()
+                              if name.startswith("temp/") and not name.startswith("temp/wine-")},
+                             {f"temp/{name}": b"the user's own" for name in names}, command)
+
+    def test_two_of_one_name_at_a_time(self):
+        environment = {**os.environ, **self.temporary()}
+        expected = {}
+        for name in ("a", "b"):
+            rows = [f"{name}{i}" for i in range(5000)]
+            expected[name] = "\n".join(["h", *rows, ""])
+            cells = "".join(f"<row><c t='str'><v>{text}</v></c></row>" for text in ["h", *rows])
+            self.write({f"{name}/data.xlsx": book({"One": sheet(cells)})})
+        for _ in range(4):
+            running = {name: subprocess.Popen([*Settings.tool, "cat", f"{name}/data.xlsx"], cwd=self.folder,
+                                              env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+                       for name in expected}
+            for name, tool in running.items():
+                printed = tool.communicate()[0].decode("utf-8").replace("\r\n", "\n")
+                self.assertEqual((tool.returncode, printed[-200:], len(printed)),
+                                 (0, expected[name][-200:], len(expected[name])))
+        self.assertEqual([name for name in os.listdir(self.path("temp")) if not name.startswith("wine-")], [])
+
+    def interrupt(self, send):
+        environment = {**os.environ, **self.temporary()}
+        rows = "".join(f"<row><c><v>{i}</v></c><c><v>{i * 7919}</v></c></row>" for i in range(200000))
+        self.write({"t.xlsx": book({"One": sheet(rows)})})
+        with subprocess.Popen([*Settings.tool, "count", "t.xlsx"], cwd=self.folder, env=environment,
+                              start_new_session=True, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as tool:
+            folder = None
+            while tool.poll() is None and not (folder and os.listdir(folder)):
+                folder = next(iter(os.listdir(self.path("temp"))), None)
+                folder = folder and self.path(f"temp/{folder}")
+                time.sleep(0.001)
+            send(tool)
+            printed, message = tool.communicate()
+        self.assertEqual((tool.returncode, printed), (3, b""))
+        self.assertEqual(message, b"vok_table: error: interrupted: t.xlsx was not read\n")
+        self.assertEqual(os.listdir(self.path("temp")), [])
+
+    @posix_only
+    @skip_for_windows("signals of this system")
+    def test_interrupted(self):
+        self.interrupt(lambda tool: tool.send_signal(signal.SIGINT))
+
+    @posix_only
+    @skip_for_windows("signals of this system")
+    def test_interrupted_with_its_converter(self):
+        self.interrupt(lambda tool: os.killpg(tool.pid, signal.SIGTERM))
 
 
 class ConverterTest(unittest.TestCase):

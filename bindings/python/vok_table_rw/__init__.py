@@ -14,7 +14,9 @@
 Values cross as text, exactly as the source has them: a well called "007" stays "007". Numbers are made when
 they are asked for, and what is no number stays visible. Lines and rows count from 0.
 
-Threads: different tables are independent of each other; one table belongs to one thread at a time.
+Threads: different tables are independent of each other; one table belongs to one thread at a time. Two workbooks of
+one file name must not be read at the same time, in other programs neither, unless each has its own folder for
+temporary files (the variable TMPDIR, on Windows TMP).
 """
 from ._errors import ClosedError, LibraryNotFoundError, ReadError, TableError, UnknownFieldError, WriteError
 from ._library import load_library

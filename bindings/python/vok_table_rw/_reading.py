@@ -131,7 +131,7 @@ class Table:
         quote            around values that hold the delimiter; "": none
         header_position  the line of the field names, from 0; None: there is none, and the fields are called
                          field_0, field_1...
-        data_position    the first line that may hold data; None: the line behind the header
+        data_position    the first line that may hold data; None: the line behind the header. Not without a header
         direction        0: one record a line; 1: records run across columns, where the format has such tables
         file_type        a FileType or its name
         """
@@ -142,8 +142,10 @@ class Table:
             raise ValueError(f"direction is {direction!r}; it is 0 or 1")
         header = -1 if header_position is None else header_position
         first = max(header + 1, 0) if data_position is None else data_position
-        if not -2**31 <= header < 2**31 or not 0 <= first < 2**64:
+        if not -1 <= header < 2**31 or not 0 <= first < 2**64:
             raise ValueError(f"lines count from 0: header_position {header_position}, data_position {data_position}")
+        if header < 0 < first:
+            raise ValueError("without a header every line is data: leave data_position out")
         texts = [utf8(self._path, "the path"), utf8(delimiter, "the delimiter"), utf8(quote, "the quote"),
                  utf8(table or "", "the table's name")]
         encoding_number, type_number = _encoding_number(encoding), _file_type_number(file_type)
@@ -343,6 +345,9 @@ class Table:
         self._index(field)
         count = len(conditions)
         columns = (UINT * count)(*[self._index(name) for name in conditions])
+        for name, value in conditions.items():
+            if not isinstance(value, str):
+                raise TypeError(f"values are text: {name!r} is to be {value!r}, a {type(value).__name__}")
         values = (TEXT * count)(*[utf8(value, "a wanted value") for value in conditions.values()])
         return self._filled(self._library.vo_table_reader_search_u8, utf8(field, "a field's name"), columns,
                             values, count)

@@ -9,6 +9,7 @@ import itertools
 import os
 import re
 import struct
+import xml.parsers.expat
 import zipfile
 from typing import Any, Iterable, List, NamedTuple, Optional, Sequence, Union
 
@@ -117,6 +118,9 @@ class TableWriter:
             if not self._is_whole():
                 raise WriteError(f"{self._path} was not written: the folder or the disk did not take the whole file; "
                                  "is it writable and not full?")
+            if self._extension in (".xls", ".xlsx") and not _is_well_formed(self._temporary):
+                raise WriteError(f"{self._path} was not written: a value holds a control character, or one of the "
+                                 "characters & < > twice, of which a workbook takes one; write .csv or .dbf")
             os.replace(self._temporary, self._target)
             self._replace_code_page()
         except OSError as error:
@@ -185,6 +189,19 @@ class TableWriter:
             os.remove(wanted)
 
 
+def _is_well_formed(path: str) -> bool:
+    """Whether every part of a workbook can be parsed. WHY asked: of each character that XML reserves only the first in
+    a value is escaped, as the programs want it that these workbooks are made for."""
+    with zipfile.ZipFile(path) as package:
+        for part in package.namelist():
+            with package.open(part) as file:
+                try:
+                    xml.parsers.expat.ParserCreate().ParseFile(file)
+                except xml.parsers.expat.ExpatError:
+                    return False
+    return True
+
+
 def _code_page_file(path: str) -> str:
     return os.path.splitext(path)[0] + ".cpg"
 
@@ -215,7 +232,8 @@ def write_table(path: PathLike, fields: Sequence[Union[str, Field]], rows: Itera
 
     Answers the number of rows. An existing target is replaced, in one step. Raises ValueError and WriteError.
     Text that its format cannot hold is substituted by the library: characters outside Windows-1251 become "?",
-    and a value of delimited text that holds the delimiter or a line break comes apart when it is read back.
+    and a value of delimited text that holds the delimiter or a line break comes apart when it is read back. A value
+    that would make a workbook which no program opens is a WriteError.
     """
     if os.fspath(path).lower().endswith(".dbf") and any(isinstance(field, str) for field in fields):
         rows = [[text_of(value) for value in row] for row in rows]
