@@ -105,6 +105,19 @@ bool explainSilentDatabase(const tableRW::tableReader& reader, const readingArgu
   return true;
 }
 
+/// A table whose name the engine would have to be given in quotes, which the library does not do.
+bool explainNameOfTable(const tableRW::tableReader& reader, const readingArguments& arguments,
+                        const messageWriter& messages) {
+  constexpr std::string_view oddOnes = " !\"#%&'()*+,-./:;<=>?@[\\]^`{|}~\t\n\r";
+  if (reader.fieldCount() == 0 || !arguments.table || !isSqlite(reader, arguments)) return false;
+  if (arguments.table->find_first_of(oddOnes) == std::string::npos) return false;
+  messages.error(
+      fmt::format("cannot read {}, table {}: rows are read of tables alone whose name is one word "
+                  "of letters, digits, _ and $; a view of such a name can stand for it",
+                  arguments.file, inQuotes(*arguments.table)));
+  return true;
+}
+
 /// A source that opened and could not be read to its end: what was read of it must pass for no answer. Of a database
 /// only the engine knows whether it is damaged or the disk has failed.
 bool explainIncomplete(const tableRW::tableReader& reader, const readingArguments& arguments,
@@ -269,6 +282,7 @@ void explainFailure(tableRW::tableReader& reader, const readingArguments& argume
   if (explainUnreadable(reader.path(), context.messages)) return;
   if (explainIncomplete(reader, arguments, context.messages)) return;
   if (explainSilentDatabase(reader, arguments, context.messages)) return;
+  if (explainNameOfTable(reader, arguments, context.messages)) return;
   const std::vector<std::wstring> tables = tablesInstead(reader, arguments);
   if (tables.empty()) {
     const std::string table =

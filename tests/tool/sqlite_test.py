@@ -168,6 +168,16 @@ class Generated(SqliteCase):
     LOCKED = ("vok_table: error: cannot read t.sqlite: another program has it locked, or it is damaged; close programs "
               "that use it and try again\n")
 
+    def test_a_table_whose_name_is_no_word(self):
+        self.write({"t.sqlite": database(("wells", "a", [["of wells"]]), ("wells new", "a", [["its own"]]))})
+        self.assertEqual(self.lines("cat", "t.sqlite", "--table", "wells"), ["a", "of wells"])
+        self.assertEqual(self.lines("fields", "t.sqlite", "--table", "wells new"), ["a\ttext"])
+        run = self.tool("cat", "t.sqlite", "--table", "wells new", code=3)
+        self.assertEqual(run.out, b"")
+        self.assertEqual(run.err, 'vok_table: error: cannot read t.sqlite, table "wells new": rows are read of tables '
+                                  "alone whose name is one word of letters, digits, _ and $; a view of such a name can "
+                                  "stand for it\n")
+
     def test_a_database_that_another_program_has_locked(self):
         if Settings.is_windows():
             self.skipTest("this program's locks are those of another system")
