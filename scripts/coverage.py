@@ -88,7 +88,7 @@ def run_gcov(arguments):
 def read_counters():
     command = ["gcovr", "--root", ROOT, "--object-directory", BUILD, "-j", JOBS, "--json", RECORD,
                "--gcov-executable", os.path.abspath(__file__) + " gcov",
-               "--exclude-throw-branches", "--exclude-unreachable-branches", "--exclude", GENERATED, "--exclude", ".*/public_include/",
+               "--exclude-throw-branches", "--exclude-unreachable-branches", "--exclude", GENERATED,
                "--exclude-branches-by-pattern", ".*_mm_"]  # calls that are single instructions: no branch at all
     for folder in FOLDERS:
         command += ["--filter", folder + "/"]
@@ -184,6 +184,8 @@ def main():
         passed = measure()
     with open(RECORD, encoding="utf-8") as file:
         files = json.load(file)["files"]
+    # The public headers, once more, as examples see them through the build's own folder.
+    files = [entry for entry in files if not entry["file"].startswith("build/")]
 
     listed = collections.Counter(place for place, _ in read_list())
     found = []

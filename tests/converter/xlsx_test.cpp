@@ -12,6 +12,15 @@ using testSupport::xlsxBuilder;
 using testSupport::zipMembers;
 using testSupport::zipOf;
 
+std::string manyNamespaces() {
+  std::string declarations;
+  for (int i = 0; i < 100; ++i) {
+    const std::string number = std::to_string(i);
+    declarations += " xmlns:p" + number + "='u" + number + "'";
+  }
+  return declarations;
+}
+
 struct sheetRow {
   const char* name;
   std::string rows;  // in sheetData
@@ -72,6 +81,8 @@ const sheetRow sheetRows[] = {
     sheetRow{"an empty sheet", "", ""},
     sheetRow{"alternate content", "<mc:AlternateContent xmlns:mc='m'><mc:Choice><row><c><v>1</v></c></row></mc:Choice>"
              "<mc:Fallback><row><c><v>2</v></c></row></mc:Fallback></mc:AlternateContent>", "2\n"},
+    sheetRow{"more namespaces than anybody needs",
+             "<row" + manyNamespaces() + "><c><v>1</v></c><p0:c><p0:v>2</p0:v></p0:c><c><v>3</v></c></row>", "1$3\n"},
     sheetRow{"what stands in an extension of a cell",
              "<row><c><v>2</v><extLst><ext><v>77</v><is><t>x</t></is><c><v>7</v></c></ext></extLst></c><c><v>3</v></c></row>",
              "2$3\n"},
@@ -198,7 +209,7 @@ TEST(xlsx, ofOverlappingRangesTheFirstCounts) {
   copying.request.copyMerged = true;
   const std::string ranges =
       "<mergeCells><mergeCell ref='B1:C2'/><mergeCell ref='A1:B3'/><mergeCell "
-      "ref='A9'/><mergeCell/></mergeCells>";
+      "ref='A9'/><mergeCell/><mergeCell ref='A1:B'/><mergeCell ref='1:B9'/></mergeCells>";
   EXPECT_EQ(copying.run(bookWith("<row><c><v>1</v></c><c><v>2</v></c></row>", ranges).bytes()),
             "1$1$\n1$1$\n1$1$\n");
 }

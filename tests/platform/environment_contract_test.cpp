@@ -4,11 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
+#include <optional>
 #include <set>
 #include <thread>
 
 #include "platform/files.h"
 #include "tests/support/environmentSetter.h"
+#include "tests/support/namelessUser.h"
 #include "tests/support/targetSystem.h"
 #include "tests/support/temporaryFolder.h"
 
@@ -73,6 +75,21 @@ TEST(environment, theUserHasAName) {
   const std::wstring name = platform::userName();
   EXPECT_FALSE(name.empty());
   EXPECT_EQ(name.find(L'\0'), std::wstring::npos) << "the terminator is not part of it";
+}
+
+TEST(environment, aUserWithoutANameIsCalledByAVariable) {
+  std::wstring name;
+  std::wstring nobody;
+  const testSupport::environmentSetter user(L"USER", std::nullopt);
+  {
+    const testSupport::environmentSetter login(L"LOGNAME", L"\x0418\x0432\x0430\x043D");
+    if (!testSupport::asNamelessUser([&name] { name = platform::userName(); }))
+      GTEST_SKIP() << "the test cannot become another user";
+  }
+  const testSupport::environmentSetter noLogin(L"LOGNAME", std::nullopt);
+  ASSERT_TRUE(testSupport::asNamelessUser([&nobody] { nobody = platform::userName(); }));
+  EXPECT_EQ(name, L"\x0418\x0432\x0430\x043D");
+  EXPECT_EQ(nobody, L"");
 }
 
 TEST(environment, theExecutableIsThisTestProgram) {

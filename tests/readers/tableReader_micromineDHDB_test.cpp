@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -214,6 +215,9 @@ TEST_F(dhdbReader, picturesAreHexadecimal) {
     EXPECT_EQ(read(std::string("table\tt\tTABLE\nfields\ta:") + type +
                    "\tb:12\nrow\tAz\tx\nrow\t\\N\ty\n"),
               "true: fields a|b  rows 417A|x / |y  ok");
+  const std::string longBytes = read("no_total\ntable\tt\tTABLE\nfields\ta:-4\nrow\t*5000*A\n");
+  EXPECT_EQ(longBytes.size(), std::string("true: fields a  rows   ok").size() + 10000) << longBytes;
+  EXPECT_EQ(std::count(longBytes.begin(), longBytes.end(), '4'), 5000);
   EXPECT_EQ(read("values\tuntold\ntable\tt\tTABLE\nfields\ta:-4\tb:12\nrow\t\\N\tx\nrow\tAz\ty\n"),
             "false: fields a|b  rows |x  ok")
       << "bytes without a length have no end";

@@ -196,6 +196,14 @@ class CodePages(CaseTest):
         self.assertEqual((run.code, run.err), (0, "vok_table: " + UNDECODED))
         self.assertIn(b"table\tdbf\n", run.out)
 
+    def test_doctor_of_micromine_data(self):
+        with open(os.path.join(Settings.source, "examples", "samples.micromine"), "rb") as file:
+            self.write({"t.micromine": file.read(), "cut.micromine": b"x"})
+        self.assertEqual(run_tool("doctor", "t.micromine", cwd=self.folder).code, 0)
+        run = run_tool("doctor", "cut.micromine", cwd=self.folder)
+        self.assertEqual(run.code, 3)
+        self.assertIn("cannot read cut.micromine: its content is not what was expected", run.err)
+
     def test_doctor_of_a_table_that_cannot_be_read(self):
         self.write({"t.dbf": b"x"})
         run = run_tool("doctor", "t.dbf", cwd=self.folder)
