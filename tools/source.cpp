@@ -109,7 +109,8 @@ bool explainSilentDatabase(const tableRW::tableReader& reader, const readingArgu
 bool explainNameOfTable(const tableRW::tableReader& reader, const readingArguments& arguments,
                         const messageWriter& messages) {
   constexpr std::string_view oddOnes = " !\"#%&'()*+,-./:;<=>?@[\\]^`{|}~\t\n\r";
-  if (reader.fieldCount() == 0 || !arguments.table || !isSqlite(reader, arguments)) return false;
+  if (!arguments.table || !isSqlite(reader, arguments)) return false;
+  if (reader.fieldCount() == 0) return false;  // there is no such table
   if (arguments.table->find_first_of(oddOnes) == std::string::npos) return false;
   messages.error(
       fmt::format("cannot read {}, table {}: rows are read of tables alone whose name is one word "

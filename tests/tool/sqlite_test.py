@@ -169,7 +169,10 @@ class Generated(SqliteCase):
               "that use it and try again\n")
 
     def test_a_table_whose_name_is_no_word(self):
-        self.write({"t.sqlite": database(("wells", "a", [["of wells"]]), ("wells new", "a", [["its own"]]))})
+        self.write({"t.sqlite": database(("wells", "a", [["of wells"]]), ("wells new", "a", [["its own"]]),
+                                         ("odd", '"a""b"', [["x"]]))})
+        run = self.tool("cat", "t.sqlite", "--table", "odd", code=3)
+        self.assertIn('table "odd": its content is not what was expected', run.err)
         self.assertEqual(self.lines("cat", "t.sqlite", "--table", "wells"), ["a", "of wells"])
         self.assertEqual(self.lines("fields", "t.sqlite", "--table", "wells new"), ["a\ttext"])
         run = self.tool("cat", "t.sqlite", "--table", "wells new", code=3)
