@@ -116,8 +116,10 @@ class odbcOperations : public testing::Test {
     EXPECT_EQ(file_.leaks(), "");
   }
 
-  bool open() {
-    const std::wstring& path = file_.path();
+  bool open() { return open(file_); }
+
+  bool open(const odbcScript& file) {
+    const std::wstring& path = file.path();
     return vo_odbc_connect_open_driver(base_, nullptr,
                                        ("Driver={Microsoft Access Driver (*.mdb, *.accdb)};DBQ=" +
                                         std::string(path.begin(), path.end()) + ";")
@@ -237,12 +239,7 @@ TEST_F(odbcOperations, severalMessagesAreLines) {
   }) {
     const odbcScript talking(folder_.file(L"m.mdb"), std::string("messages\t") + number +
                                                          "\ntable\tt\tTABLE\nfields\ta:4\n");
-    const std::wstring& path = talking.path();
-    ASSERT_TRUE(
-        vo_odbc_connect_open_driver(base_, nullptr,
-                                    ("Driver={Microsoft Access Driver (*.mdb, *.accdb)};DBQ=" +
-                                     std::string(path.begin(), path.end()) + ";")
-                                        .c_str()));
+    ASSERT_TRUE(open(talking));
     Ivo_odbc_stmt* const statement = vo_odbc_connect_create_stmt(base_);
     vo_odbc_stmt_set_sql(statement, "select * from [u]");
     EXPECT_FALSE(vo_odbc_stmt_exec_direct(statement));
@@ -266,12 +263,7 @@ TEST_F(odbcOperations, textIsConvertedToTheSystemsCodePage) {
     unsigned before = platform::chosenSystemCodePage();
   };
   const pageSetter page(1251);
-  const std::wstring& path = cyrillic.path();
-  ASSERT_TRUE(
-      vo_odbc_connect_open_driver(base_, nullptr,
-                                  ("Driver={Microsoft Access Driver (*.mdb, *.accdb)};DBQ=" +
-                                   std::string(path.begin(), path.end()) + ";")
-                                      .c_str()));
+  ASSERT_TRUE(open(cyrillic));
   Ivo_odbc_stmt* const statement = vo_odbc_connect_create_stmt(base_);
   vo_odbc_stmt_set_sql(statement, "select * from [\xC6]");
   ASSERT_TRUE(vo_odbc_stmt_exec_direct(statement));
