@@ -79,7 +79,8 @@ foreach(script IN LISTS tool_tests)
   cmake_path(GET script STEM name)
   add_test(NAME tool.${name}
     COMMAND ${VOK_PYTHON} ${script} --tool "${tool_command}" --source ${PROJECT_SOURCE_DIR})
-  set_tests_properties(tool.${name} PROPERTIES ENVIRONMENT "VOK_REAL_FILES=${VOK_REAL_FILES}")
+  # The cost: what takes long begins first, so that no core waits for it at the end.
+  set_tests_properties(tool.${name} PROPERTIES ENVIRONMENT "VOK_REAL_FILES=${VOK_REAL_FILES}" COST 10)
 endforeach()
 
 # --- whole programs while calls of the system fail -------------------------------------------------
@@ -96,6 +97,7 @@ if(NOT WIN32 AND NOT VOK_SANITIZE)
     add_test(NAME faults.${name}
       COMMAND ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/faults/faults_test.py --tool $<TARGET_FILE:vok_table>
         --converter $<TARGET_FILE:vok_xls2csv> --faults $<TARGET_FILE:failing_calls> ${group})
+    set_tests_properties(faults.${name} PROPERTIES COST 10)
   endforeach()
 endif()
 
@@ -130,9 +132,11 @@ set(install_test ${VOK_PYTHON} ${PROJECT_SOURCE_DIR}/tests/install/install_test.
 if(WIN32)
   list(APPEND install_test --emulator ${vok_emulator} --toolchain ${CMAKE_TOOLCHAIN_FILE})
   add_test(NAME install.windows COMMAND ${install_test} WindowsZip Folder)
+  set_tests_properties(install.windows PROPERTIES COST 10)
 else()
   add_test(NAME install.folder COMMAND ${install_test} Folder)
   add_test(NAME install.debian_packages COMMAND ${install_test} DebianPackages)
+  set_tests_properties(install.folder install.debian_packages PROPERTIES COST 10)
 endif()
 
 # --- what fuzzing begins with, replayed without a fuzzer -------------------------------------------

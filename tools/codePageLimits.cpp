@@ -1,6 +1,6 @@
 #include "tools/codePageLimits.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <array>
 

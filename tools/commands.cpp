@@ -1,7 +1,7 @@
 // The commands that show what a source holds.
 #include "tools/commands.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <limits>

@@ -1,6 +1,6 @@
 // The command completion: scripts that complete commands, options and their values in four shells. Each is made
 // from commandTable.h and knows nothing else.
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <iterator>

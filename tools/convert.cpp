@@ -1,6 +1,6 @@
 // The command convert: one table to a file, or all tables of a source to the files of a folder; and the lines that
 // were rejected to a file of their own.
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
 // The command `doctor`: what this machine has for reading tables, what is missing, and for a file how far
 // it gets.
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <optional>
 #include <string>

@@ -1,5 +1,5 @@
 // The command errors: every rejected line, where it stands, what is wrong with it, and its text.
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <string>
 

@@ -1,5 +1,5 @@
 // The command find: one field, or some, of the rows that have wanted values in other fields.
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <optional>

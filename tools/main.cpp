@@ -4,7 +4,7 @@
 // main takes the command line apart, calls the command, and hands out what was written. Data go to
 // standard output, messages to standard error, or both into one JSON document on standard output;
 // exitCodes.h tells what the answers mean.
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <csignal>
 #include <exception>

@@ -1,5 +1,5 @@
 // The command manual: the manual page vok_table(1) in roff, made from commandTable.h.
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <string>

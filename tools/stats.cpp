@@ -4,7 +4,7 @@
 // A field is looked at from its first row to its last before the next one, so the memory that is needed is that
 // of one field's different values. They are counted up to a million, and as long as they take no more than 64 MiB
 // as UTF-8; ">" before a count says that there are more.
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <cstdint>

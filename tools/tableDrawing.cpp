@@ -1,6 +1,6 @@
 #include "tools/tableDrawing.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "tools/text.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <type_traits>
 

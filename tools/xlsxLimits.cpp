@@ -1,6 +1,6 @@
 #include "tools/xlsxLimits.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 
