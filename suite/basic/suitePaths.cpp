@@ -1,6 +1,8 @@
 // Suite paths of vok_basic: where the main module and the temporary folder are.
 #include <mutex>
+#include <set>
 #include <string>
+#include <utility>
 
 #include "platform/environment.h"
 #include "platform/vok_basic.h"
@@ -36,26 +38,29 @@ hostsPath& hostsTemporaryFolder() {
   return folder;
 }
 
+// Every path that was answered, once: the answers are bare pointers that nobody frees, and threads may ask at a time.
+// WHY not one string for each thread: with MinGW a thread's memory is freed before the destructors of what lies in it.
+const wchar_t* kept(std::wstring path) {
+  static std::mutex mutex;
+  static std::set<std::wstring> paths;
+  const std::lock_guard<std::mutex> lock(mutex);
+  return paths.insert(std::move(path)).first->c_str();
+}
+
 }  // namespace
 
-// The analyzer takes the end of a function for the end of its thread.
-// NOLINTBEGIN(clang-analyzer-cplusplus.InnerPointer)
-
-// WHY thread_local: the result is a bare pointer that nobody frees, and two threads may ask at once.
 const wchar_t* vo_options_get_main_module_path(void) {
-  thread_local std::wstring answer;
-  answer = hostsMainModule().get();
-  if (answer.empty()) answer = platform::executablePath();
-  return answer.c_str();
+  std::wstring path = hostsMainModule().get();
+  if (path.empty()) path = platform::executablePath();
+  return kept(std::move(path));
 }
 
 void vo_options_set_main_module_path(const wchar_t* path) { hostsMainModule().set(path); }
 
 const wchar_t* vo_options_get_temp_wpath(void) {
-  thread_local std::wstring answer;
-  answer = hostsTemporaryFolder().get();
-  if (answer.empty()) answer = platform::temporaryFolder();
-  return answer.c_str();
+  std::wstring path = hostsTemporaryFolder().get();
+  if (path.empty()) path = platform::temporaryFolder();
+  return kept(std::move(path));
 }
 
 void vo_options_set_temp_wpath(const wchar_t* path) {
@@ -63,5 +68,3 @@ void vo_options_set_temp_wpath(const wchar_t* path) {
   if (!folder.empty() && folder.back() != L'/' && folder.back() != L'\\') folder += L'/';
   hostsTemporaryFolder().set(folder.c_str());
 }
-
-// NOLINTEND(clang-analyzer-cplusplus.InnerPointer)
