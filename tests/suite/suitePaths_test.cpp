@@ -95,7 +95,7 @@ TEST_F(suitePaths, aTextLivesUntilTheNextCallInItsThread) {
     const wchar_t* theirs = vo_options_get_main_module_path();
     EXPECT_STREQ(theirs, L"/opt/another and longer one than before");
     EXPECT_NE(theirs, mine);
-    EXPECT_NE(vo_options_get_temp_wpath(), temporary);
+    EXPECT_STREQ(vo_options_get_temp_wpath(), temporary);
   }).join();
   EXPECT_STREQ(mine, L"/opt/first") << "nor is a call in another thread";
   EXPECT_STREQ(vo_options_get_main_module_path(), L"/opt/another and longer one than before");
